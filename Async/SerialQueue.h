@@ -1,0 +1,28 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+namespace kestrove {
+
+/// Work to run once or at each tick of a timer. Must not throw.
+using Operation = std::move_only_function<void()>;
+
+/// Runs operations one at a time, in the order in which they were posted.
+///
+/// Thread: any. Lifetime: destroying the queue waits for the operation that runs and drops the
+/// rest; it must not be destroyed from one of its own operations.
+class SerialQueue {
+public:
+    SerialQueue() = default;
+    SerialQueue(const SerialQueue&) = delete;
+    SerialQueue& operator=(const SerialQueue&) = delete;
+    virtual ~SerialQueue() = default;
+
+    /// What diagnostics and debuggers show.
+    [[nodiscard]] virtual const std::string& label() const = 0;
+
+    virtual void post(Operation operation) = 0;
+};
+
+} // namespace kestrove

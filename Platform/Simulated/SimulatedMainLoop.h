@@ -1,0 +1,77 @@
+#pragma once
+
+#include "Async/MainLoop.h"
+
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <thread>
+#include <utility>
+
+namespace kestrove {
+
+/// A main loop on a virtual clock: time stands still while work is done and moves only when told
+/// to.
+///
+/// Everything runs on the thread that made the loop, in one fixed order, so that a run can be
+/// replayed. Work of its serial queues runs on that thread too, but counts as being off the main
+/// thread.
+class SimulatedMainLoop final : public MainLoop {
+public:
+    SimulatedMainLoop();
+    ~SimulatedMainLoop() override;
+
+    Seconds now() const override { return m_now; }
+    void post(Operation operation) override;
+    Timer runAfter(Seconds delay, Operation operation) override;
+    Timer runEvery(Seconds interval, Operation operation) override;
+    std::shared_ptr<SerialQueue> makeSerialQueue(std::string label) override;
+    bool isMainThread() const override;
+
+    /// Runs what is queued, and what that queues, without moving the clock. Aborts when it never
+    /// ends.
+    void runUntilIdle();
+
+    /// Runs one queued operation; false when none was queued.
+    bool runOne();
+
+    /// Moves the clock on by `duration`, running every timer that comes due on the way, in order.
+    void advance(Seconds duration);
+
+    /// Moves the clock to the next timer and runs it; false when no timer is set.
+    bool advanceToNextTimer();
+
+    [[nodiscard]] std::size_t timerCount() const { return m_timers.size(); }
+    [[nodiscard]] bool isIdle() const { return m_queue.empty(); }
+
+    /// Aborts unless called on the main thread, outside of serial queues.
+    void requireMainThread(std::string_view what) const;
+
+private:
+    struct TimerState;
+    class TimerWork;
+    class Queue;
+    enum class Where : std::uint8_t { mainThread, serialQueue };
+    /// When a timer is due and, among equals, which was set first.
+    using Due = std::pair<Seconds, std::uint64_t>;
+    struct Queued {
+        Operation operation;
+        Where where;
+    };
+
+    void enqueue(Operation operation, Where where);
+    Timer addTimer(Seconds delay, Seconds interval, Operation operation);
+    void schedule(const std::shared_ptr<TimerState>& timer, Seconds at);
+    void fireFirstTimer();
+
+    Seconds m_now{0};
+    std::uint64_t m_sequence = 0;
+    std::deque<Queued> m_queue;
+    std::map<Due, std::shared_ptr<TimerState>> m_timers;
+    std::thread::id m_thread;
+    Where m_where = Where::mainThread;
+};
+
+} // namespace kestrove
