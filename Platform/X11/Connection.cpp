@@ -65,6 +65,7 @@ std::expected<void, PlatformError> Connection::connect() {
     m_atoms.clear();
     m_errorHandlers.clear();
     m_masks.clear();
+    m_readAhead.clear();
     m_isOpen = true;
     m_readable =
         m_watching.watchReadable(xcb_get_file_descriptor(m_connection.get()), [this] { drain(); });
@@ -72,17 +73,26 @@ std::expected<void, PlatformError> Connection::connect() {
 }
 
 std::expected<Extensions, PlatformError> Connection::queryExtensions(xcb_connection_t* connection) {
-    const auto required = std::to_array<xcb_extension_t*>(
-        {&xcb_composite_id, &xcb_damage_id, &xcb_xfixes_id, &xcb_render_id, &xcb_shape_id,
-         &xcb_randr_id, &xcb_input_id});
-    for (auto* const extension : required)
-        xcb_prefetch_extension_data(connection, extension);
-    for (auto* const extension : required) {
-        const auto* data = xcb_get_extension_data(connection, extension);
+    struct Required {
+        xcb_extension_t* extension;
+        const char* name;
+    };
+    const auto required = std::to_array<Required>({
+        {&xcb_composite_id, "Composite"},
+        {&xcb_damage_id, "DAMAGE"},
+        {&xcb_xfixes_id, "XFIXES"},
+        {&xcb_render_id, "RENDER"},
+        {&xcb_shape_id, "SHAPE"},
+        {&xcb_randr_id, "RANDR"},
+        {&xcb_input_id, "XInputExtension"},
+    });
+    for (const auto& each : required)
+        xcb_prefetch_extension_data(connection, each.extension);
+    for (const auto& each : required) {
+        const auto* data = xcb_get_extension_data(connection, each.extension);
         if (!data || !data->present)
-            return std::unexpected(
-                PlatformError(errorDomain, 0,
-                              fmt::format("the X server lacks the extension {}", extension->name)));
+            return std::unexpected(PlatformError(
+                errorDomain, 0, fmt::format("the X server lacks the extension {}", each.name)));
     }
     const bool agreed =
         agreeOnVersion(connection, xcb_xfixes_query_version, xcb_xfixes_query_version_reply, 5U,
@@ -143,6 +153,10 @@ void Connection::onError(xcb_void_cookie_t request, std::function<void()> failed
 void Connection::drainSoon() {
     if (m_isDrainQueued)
         return;
+    if (Reply<xcb_generic_event_t> event{xcb_poll_for_queued_event(m_connection.get())})
+        m_readAhead.push_back(std::move(event));
+    else if (xcb_connection_has_error(m_connection.get()) == 0)
+        return;
     m_isDrainQueued = true;
     m_tasks.post([this] {
         m_isDrainQueued = false;
@@ -154,7 +168,7 @@ void Connection::drain() {
     if (!m_isOpen)
         return;
     bool any = false;
-    while (const Reply<xcb_generic_event_t> event{xcb_poll_for_event(m_connection.get())}) {
+    while (const auto event = nextEvent()) {
         any = true;
         if (event->response_type == 0)
             dispatchError(event->full_sequence);
@@ -167,6 +181,14 @@ void Connection::drain() {
         return;
     if (any)
         eventsDrained.emit();
+}
+
+Reply<xcb_generic_event_t> Connection::nextEvent() {
+    if (m_readAhead.empty())
+        return Reply<xcb_generic_event_t>(xcb_poll_for_event(m_connection.get()));
+    auto event = std::move(m_readAhead.front());
+    m_readAhead.pop_front();
+    return event;
 }
 
 void Connection::dispatch(const xcb_generic_event_t& event) {

@@ -8,6 +8,7 @@
 #include "Platform/X11/Reply.h"
 
 #include <cstdint>
+#include <deque>
 #include <expected>
 #include <functional>
 #include <map>
@@ -111,6 +112,7 @@ private:
     std::expected<Extensions, PlatformError> queryExtensions(xcb_connection_t* connection);
     void drain();
     void drainSoon();
+    Reply<xcb_generic_event_t> nextEvent();
     void dispatch(const xcb_generic_event_t& event);
     void dispatchError(std::uint32_t sequence);
     void applyMask(xcb_window_t window);
@@ -124,6 +126,8 @@ private:
     Extensions m_extensions;
     bool m_isOpen = false;
     bool m_isDrainQueued = false;
+    /// Events that were read while something else was waited for.
+    std::deque<Reply<xcb_generic_event_t>> m_readAhead;
     std::map<std::string, xcb_atom_t, std::less<>> m_atoms;
     ErrorHandlers m_errorHandlers;
     std::map<xcb_window_t, MaskCounts> m_masks;
