@@ -19,6 +19,9 @@ namespace kestrove {
 /// When a subscriber sets the value again while it is being told, the inner value is announced and
 /// stored first and the outer one is stored last.
 ///
+/// Watching does not change the value: an owner that hands it out as `const` keeps setting it to
+/// itself.
+///
 /// Thread: main.
 template <class Value>
 class Published {
@@ -45,12 +48,12 @@ public:
     }
 
     /// Every value that is set from now on.
-    [[nodiscard]] Subscription subscribe(Callback callback) {
+    [[nodiscard]] Subscription subscribe(Callback callback) const {
         return m_state->changes.subscribe(std::move(callback));
     }
 
     /// The value as it is, inside this call, then every value that is set.
-    [[nodiscard]] Subscription observe(Callback callback) {
+    [[nodiscard]] Subscription observe(Callback callback) const {
         auto subscription = m_state->changes.subscribe(callback);
         callback(Value(m_state->value));
         return subscription;
