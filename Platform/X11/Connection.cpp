@@ -66,6 +66,7 @@ std::expected<void, PlatformError> Connection::connect() {
     m_errorHandlers.clear();
     m_masks.clear();
     m_readAhead.clear();
+    m_lifetime = std::make_shared<const char>();
     m_isOpen = true;
     m_readable =
         m_watching.watchReadable(xcb_get_file_descriptor(m_connection.get()), [this] { drain(); });
@@ -138,6 +139,10 @@ void Connection::flush() {
     xcb_flush(m_connection.get());
     // Sending may have read events, which the descriptor would not tell of.
     drainSoon();
+}
+
+void Connection::synchronize() {
+    (void)reply(xcb_get_input_focus_reply, xcb_get_input_focus(get()));
 }
 
 bool Connection::succeeded(xcb_void_cookie_t checked) {
@@ -238,6 +243,7 @@ bool Connection::noticeLoss() {
     if (!m_isOpen || xcb_connection_has_error(m_connection.get()) == 0)
         return false;
     m_isOpen = false;
+    m_lifetime.reset();
     m_readable.cancel();
     m_errorHandlers.clear();
     lost.emit();

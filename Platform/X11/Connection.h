@@ -56,6 +56,9 @@ public:
     [[nodiscard]] const Extensions& extensions() const { return m_extensions; }
     [[nodiscard]] xcb_atom_t atom(std::string_view name);
 
+    /// Expires with the present connection to the server: what was created on it is gone then.
+    [[nodiscard]] std::weak_ptr<const void> lifetime() const { return m_lifetime; }
+
     [[nodiscard]] std::uint32_t generateIdentifier() { return xcb_generate_id(m_connection.get()); }
 
     /// Sends what was requested. Call it once at the end of a piece of work, not after each
@@ -75,6 +78,10 @@ public:
 
     /// Waits for the outcome of a checked request: whether it succeeded. Not for the frame path.
     [[nodiscard]] bool succeeded(xcb_void_cookie_t checked);
+
+    /// Returns when the server has worked through everything that was requested. Not for the frame
+    /// path.
+    void synchronize();
 
     /// Whether a request (not a checked one) failed is told to `failed` when the server says so.
     /// There is no word of success; the entry is dropped when a later event proves it.
@@ -124,6 +131,7 @@ private:
     Handle m_connection;
     const xcb_screen_t* m_screen = nullptr;
     Extensions m_extensions;
+    std::shared_ptr<const char> m_lifetime;
     bool m_isOpen = false;
     bool m_isDrainQueued = false;
     /// Events that were read while something else was waited for.
