@@ -50,9 +50,7 @@ public:
     void recompute(Announcement announcement);
 
 private:
-    [[nodiscard]] std::optional<DisplayID> displayUnderPointer() const;
     [[nodiscard]] std::optional<DisplayID> displayOfFocusedApplication() const;
-    void publishDisplayOfMode(Announcement announcement);
 
     FollowedDesktop m_desktop;
     Published<std::optional<DisplayID>> m_currentDisplay{std::nullopt};

@@ -59,12 +59,13 @@ public:
     void forgetSessionController() { m_sessionController = nullptr; }
 
 private:
-    using Classification = std::map<WindowID, WindowExistence>;
+    using Existences = std::map<WindowID, WindowExistence>;
 
-    [[nodiscard]] Classification
-    classify(const std::vector<ManualWindowSelection>& selections) const;
-    [[nodiscard]] bool canResume(CaptureSource source, const CaptureSourceSet& onScreenSources,
-                                 const Classification& classification) const;
+    [[nodiscard]] Existences classify(const std::vector<ManualWindowSelection>& selections) const;
+    [[nodiscard]] static bool canBeSeen(CaptureSource source,
+                                        const CaptureSourceSet& onScreenSources,
+                                        const Existences& existences);
+    /// What is interrupted is waited for no more, and so neither is the refresh.
     void giveUpInterruptedSource();
 
     SourceSnapshotListing& m_sourceLister;
