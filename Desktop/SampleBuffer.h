@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -40,6 +41,9 @@ public:
 
     [[nodiscard]] virtual SampleType type() const = 0;
     [[nodiscard]] virtual bool isValid() const = 0;
+
+    /// The generation of the stream configuration that the frame was made under.
+    [[nodiscard]] virtual std::uint64_t generation() const = 0;
 
     /// One entry a sample of the buffer; absent when the stream attached nothing.
     [[nodiscard]] virtual const std::optional<std::vector<SampleAttachments>>&

@@ -108,6 +108,10 @@ struct StreamConfiguration {
     /// Pixels of a delivered frame. The source is fitted into it with its aspect ratio kept.
     std::int64_t width = 0;
     std::int64_t height = 0;
+    /// Any number of the caller's own. Every sample carries that of the configuration it was made
+    /// under, however late it arrives: by it alone can a caller that updates first the filter and
+    /// then the configuration tell a frame of its new target from one of the old.
+    std::uint64_t generation = 0;
 
     bool operator==(const StreamConfiguration&) const = default;
 };
@@ -140,8 +144,10 @@ public:
     [[nodiscard]] virtual Task<std::expected<void, PlatformError>> startCapture() = 0;
     [[nodiscard]] virtual Task<std::expected<void, PlatformError>> stopCapture() = 0;
 
-    /// Retarget a running stream. A whole frame follows each of them that succeeds; when one fails,
-    /// the stream goes on with what it had.
+    /// Retarget a running stream. A whole frame follows each of them that succeeds, also when the
+    /// new value equals the old; it may arrive before the task goes on. When one fails, the stream
+    /// goes on with what it had. A sample is captured through the newest filter that was accepted
+    /// when its configuration was, or through a later one.
     [[nodiscard]] virtual Task<std::expected<void, PlatformError>>
     updateContentFilter(ContentFilter filter) = 0;
     [[nodiscard]] virtual Task<std::expected<void, PlatformError>>
