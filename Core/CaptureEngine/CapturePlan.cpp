@@ -1,0 +1,68 @@
+#include "Core/CaptureEngine/CapturePlan.h"
+
+#include "Core/CaptureEngine/BackingScale.h"
+#include "Util/ContentGeometry.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace kestrove {
+
+namespace {
+
+constexpr Size minimumDisplayPixels{0, 0};
+constexpr Size minimumWindowPixels{480, 270};
+
+using Result = std::expected<CaptureContentFilterPlan, EngineError>;
+
+Result planDisplay(DisplayID identifier, const ShareableContent& content,
+                   const WindowIDSet& excludedWindowIDs) {
+    const auto display =
+        std::ranges::find(content.displays, identifier, &CapturableDisplay::displayID);
+    if (display == content.displays.end())
+        return std::unexpected(EngineError::displayNotFound);
+    std::vector<CapturableWindow> excluded;
+    std::ranges::copy_if(content.windows, std::back_inserter(excluded), [&](const auto& window) {
+        return excludedWindowIDs.contains(window.windowID);
+    });
+    return DisplayPlan(*display, std::move(excluded));
+}
+
+Result planWindow(WindowID identifier, const ShareableContent& content) {
+    const auto window = std::ranges::find(content.windows, identifier, &CapturableWindow::windowID);
+    if (window == content.windows.end())
+        return std::unexpected(EngineError::windowNotFound);
+    return WindowPlan(*window);
+}
+
+} // namespace
+
+Result planCapture(const CaptureSource& source, const ShareableContent& content,
+                   const WindowIDSet& excludedWindowIDs) {
+    return source.isDisplay() ? planDisplay(source.identifier(), content, excludedWindowIDs)
+                              : planWindow(source.identifier(), content);
+}
+
+ContentFilter contentFilter(const CaptureContentFilterPlan& plan) {
+    if (const auto* window = std::get_if<WindowPlan>(&plan))
+        return WindowFilter(window->window.windowID);
+    const auto& display = std::get<DisplayPlan>(plan);
+    std::vector<WindowID> excluded;
+    std::ranges::transform(display.excludedWindows, std::back_inserter(excluded),
+                           &CapturableWindow::windowID);
+    return DisplayFilter(display.display.displayID, std::move(excluded));
+}
+
+Size pixelSize(const CaptureContentFilterPlan& plan, const std::vector<Screen>& screens) {
+    if (const auto* window = std::get_if<WindowPlan>(&plan)) {
+        const auto& frame = window->window.frame;
+        return ContentGeometry::scaledPixelSize(
+            frame.size(), backingScaleForWindowAt(frame, screens), minimumWindowPixels);
+    }
+    const auto& display = std::get<DisplayPlan>(plan).display;
+    const Size points{static_cast<double>(display.width), static_cast<double>(display.height)};
+    return ContentGeometry::scaledPixelSize(
+        points, backingScaleForDisplay(display.displayID, screens), minimumDisplayPixels);
+}
+
+} // namespace kestrove
