@@ -1,18 +1,10 @@
 #pragma once
 
+#include "Util/ScreenRecordingPermission.h"
+
 #include <functional>
 
 namespace kestrove {
-
-enum class ScreenRecordingPermission {
-    /// Not granted now; this process has never asked and never seen it granted.
-    notDetermined,
-    granted,
-    /// Not granted now; this process asked, was refused, and has never seen it granted.
-    denied,
-    /// Not granted now, although this process saw it granted earlier in this run.
-    revoked,
-};
 
 /// What the controller can do about the permission. All four run on the main thread.
 struct ScreenRecordingPermissionAccess {
