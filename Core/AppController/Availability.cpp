@@ -1,0 +1,92 @@
+#include "Core/AppController/AppController.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+#include <iterator>
+#include <utility>
+
+namespace kestrove {
+
+std::vector<CaptureSourceInfo>
+AppController::lists(const std::vector<CaptureSourceInfo>& from, const CaptureSourceSet& retaining,
+                     const std::vector<CaptureSourceInfo>& mergingPrevious) {
+    CaptureSourceSet listed;
+    for (const auto& info : from)
+        listed.insert(info.source);
+    auto merged = from;
+    std::ranges::copy_if(mergingPrevious, std::back_inserter(merged), [&](const auto& info) {
+        return retaining.contains(info.source) && !listed.contains(info.source);
+    });
+    return merged;
+}
+
+SourceLister::Lists AppController::lists(const SourceLister::Lists& from,
+                                         const CaptureSourceSet& retaining) const {
+    const auto& previous = m_availableSources.get();
+    return {.displays = lists(from.displays, retaining, previous.displays),
+            .windows = lists(from.windows, retaining, previous.windows)};
+}
+
+SourceVisibilityCoordinator& AppController::sourceVisibilityCoordinator() {
+    if (!m_sourceVisibilityCoordinator)
+        m_sourceVisibilityCoordinator.emplace(m_with.sourceLister, m_with.windowExistenceChecker,
+                                              m_with.sessionLockState, this);
+    return *m_sourceVisibilityCoordinator;
+}
+
+void AppController::scheduleSourceRefresh() {
+    m_tasks.launch(refreshAvailableSources());
+}
+
+Task<void> AppController::refreshAvailableSources() {
+    std::vector<ManualWindowSelection> selections;
+    for (const auto& [window, selection] : m_with.settings.manualWindowSelections())
+        selections.push_back(selection);
+    auto sources = m_with.settings.manualSources.get();
+    auto ownWindows = selfCaptureWindowIDs();
+    const SourceVisibilityCoordinator::RefreshResult result =
+        co_await sourceVisibilityCoordinator().refresh(std::move(selections), std::move(sources),
+                                                       std::move(ownWindows));
+    if (!result)
+        co_await listingDidFail(result.error());
+    else if (*result)
+        adopt(**result);
+}
+
+void AppController::adopt(const SourceVisibilityCoordinator::Refresh& refresh) {
+    m_latestAvailableDisplayIDs.clear();
+    for (const auto& display : refresh.lists.displays)
+        m_latestAvailableDisplayIDs.push_back(display.source.identifier());
+    m_unavailableManualSources.set(refresh.unavailableSources);
+    const auto& picked = m_with.settings.manualSources.get();
+    m_availableSources.set(lists(refresh.lists, CaptureSourceSet(picked.begin(), picked.end())));
+    pruneTerminatedManualSources(refresh.terminatedSources);
+}
+
+Task<void> AppController::listingDidFail(PlatformError error) {
+    m_latestAvailableDisplayIDs.clear();
+    const auto permission = m_with.permissionAccess.current();
+    if (permission != ScreenRecordingPermission::granted && isSessionActive())
+        co_await stopForPermissionLoss(permission);
+    else
+        logError("failed to list sources", error);
+}
+
+WindowIDSet AppController::selfCaptureWindowIDs() const {
+    WindowIDSet windows;
+    for (const auto window : {m_with.outputWindow.windowID(), m_with.activeOverlay.windowID()}) {
+        if (window && *window >= 1)
+            windows.insert(*window);
+    }
+    return windows;
+}
+
+void AppController::pruneTerminatedManualSources(const CaptureSourceSet& terminated) {
+    if (terminated.empty())
+        return;
+    m_with.diagnosticOutput.writeLine(
+        fmt::format("[kestrove] pruned {} terminated manual source(s)", terminated.size()));
+    m_with.settings.removeManualSources({terminated.begin(), terminated.end()});
+}
+
+} // namespace kestrove

@@ -1,0 +1,69 @@
+#include "Core/AppController/AppController.h"
+
+#include <algorithm>
+
+namespace kestrove {
+
+Task<void> AppController::switchTo(CaptureSource source, Fallback fallback) {
+    if (m_isHandlingSourceFailure && fallback == Fallback::allowed)
+        co_return;
+    if (!isSessionActive())
+        co_return;
+    const auto request = ++m_outputRequest;
+    if (m_activeSource.get() == source && m_with.captureEngine.currentSource() == source) {
+        m_sessionState.set(CaptureSessionState::running());
+        co_return;
+    }
+    m_sessionState.set(CaptureSessionState::switching());
+    presentSafeOutput();
+    const CaptureResult result = co_await m_with.captureEngine.switchSource(source);
+    if (!result)
+        logError("capture switch failed", result.error());
+    if (!isCurrent(request)) {
+        co_await settleOvertakenStream();
+        co_return;
+    }
+    if (!result) {
+        co_await recoverFromSwitchFailure(result.error(), source, fallback);
+        co_return;
+    }
+    presentSource(source, *result);
+}
+
+void AppController::presentSource(CaptureSource source, Size pixelSize) {
+    m_with.outputWindow.matchContentAspectRatio(pixelSize);
+    if (!m_isContentShown) {
+        m_with.outputContainer.setContentView(&m_with.renderer.view());
+        m_isContentShown = true;
+    }
+    m_activeSource.set(source);
+    m_with.activeOverlay.show(source);
+    m_sessionState.set(CaptureSessionState::running());
+}
+
+Task<void> AppController::waitForSource() {
+    if (!isSessionActive())
+        co_return;
+    const auto request = ++m_outputRequest;
+    co_await m_with.captureEngine.stop();
+    if (!isCurrent(request)) {
+        co_await settleOvertakenStream();
+        co_return;
+    }
+    presentSafeOutput();
+    m_sessionState.set(CaptureSessionState::waitingForSource());
+}
+
+/// A switch or a wait came back from the engine when it no longer decided. What it did to the
+/// stream must not last: a stream that nobody wants is stopped, and a running session gets its own
+/// source back. Where another switch is on its way, that one sets the stream right.
+Task<void> AppController::settleOvertakenStream() {
+    if (!isSessionActive() || m_sessionState.get() == CaptureSessionState::waitingForSource())
+        co_await m_with.captureEngine.stop();
+    const auto source = m_activeSource.get();
+    if (m_sessionState.get() == CaptureSessionState::running() && source &&
+        m_with.captureEngine.currentSource() != source)
+        co_await switchTo(*source, Fallback::allowed);
+}
+
+} // namespace kestrove
