@@ -17,6 +17,9 @@ void AppController::start() {
     }
     m_with.outputWindow.show();
     m_with.captureEngine.setExcludedWindowIDs(selfCaptureWindowIDs());
+    // The user does not wait for it any more. Giving it up later would end the refreshing that this
+    // session needs.
+    sourceVisibilityCoordinator().setInterruptedSource(std::nullopt);
     beginSession();
     m_tasks.launch(runStart(m_sessionNumber));
 }
