@@ -1,8 +1,8 @@
 # kestrove_folder(FOLDER [QT] [DEPENDS FOLDER...] [LIBRARIES TARGET...])
 #
 # Makes one static library of a source folder, named after it with "/" as "-". The library hands its
-# users an include directory in which only this folder can be found (a link in the build tree), so an
-# #include of a folder that is not among the dependencies does not compile.
+# users an include directory in which only this folder can be found (a link in the build tree), so
+# an #include of a folder that is not among the dependencies does not compile.
 function(kestrove_folder folder)
     cmake_parse_arguments(arg "QT" "" "DEPENDS;LIBRARIES" ${ARGN})
     string(REPLACE "/" "-" target ${folder})
