@@ -21,6 +21,8 @@ function(kestrove_folder folder)
         add_library(${target} STATIC ${sources} ${headers})
         if(arg_QT)
             set_target_properties(${target} PROPERTIES AUTOMOC ON)
+            # Words like `emit` are names of ours.
+            target_compile_definitions(${target} PRIVATE QT_NO_KEYWORDS)
         endif()
     else()
         set(scope INTERFACE)

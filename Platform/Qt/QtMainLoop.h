@@ -1,0 +1,58 @@
+#pragma once
+
+#include "Async/MainLoop.h"
+
+#include <QObject>
+
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <string>
+#include <thread>
+#include <unordered_map>
+
+namespace kestrove {
+
+/// The main loop on Qt's event loop, which must be that of the thread that made it. It works inside
+/// nested event loops too (a modal dialog's, for instance): nothing that is queued waits for them.
+///
+/// Timers from a tenth of a second up are coarse: the system may fire their ticks together with
+/// other wake-ups, a few hundredths of the interval early or late. A single delay is never cut
+/// short by that: what comes early waits for the rest.
+///
+/// Thread and lifetime: those of MainLoop. Outlived by the QCoreApplication.
+class QtMainLoop final : public MainLoop {
+public:
+    /// How the platform makes a queue that runs beside the main thread.
+    using SerialQueueFactory = std::function<std::shared_ptr<SerialQueue>(std::string label)>;
+
+    explicit QtMainLoop(SerialQueueFactory makeQueue);
+    ~QtMainLoop() override;
+
+    Seconds now() const override;
+    void post(Operation operation) override;
+    Timer runAfter(Seconds delay, Operation operation) override;
+    Timer runEvery(Seconds interval, Operation operation) override;
+    std::shared_ptr<SerialQueue> makeSerialQueue(std::string label) override;
+    bool isMainThread() const override;
+
+private:
+    class OperationEvent;
+    class Receiver;
+    class TimerWork;
+    struct TimerState;
+
+    void arm(const std::shared_ptr<TimerState>& timer, Seconds delay);
+    void disarm(TimerState& timer);
+    void tick(int qtTimer);
+
+    SerialQueueFactory m_makeQueue;
+    std::thread::id m_thread;
+    std::chrono::steady_clock::time_point m_start;
+    std::unordered_map<int, std::shared_ptr<TimerState>> m_timers;
+    std::unique_ptr<Receiver> m_receiver;
+    std::atomic<bool> m_isEnding = false;
+};
+
+} // namespace kestrove
