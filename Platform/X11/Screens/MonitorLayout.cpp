@@ -157,7 +157,8 @@ std::vector<Monitor> readMonitors(Connection& connection) {
 }
 
 MonitorLayout::MonitorLayout(Connection& connection)
-    : m_connection(connection) {
+    : m_connection(connection)
+    , m_structure(connection, XCB_EVENT_MASK_STRUCTURE_NOTIFY) {
     m_events =
         connection.events.subscribe([this](const xcb_generic_event_t& event) { handle(event); });
     m_drained = connection.eventsDrained.subscribe([this] {
@@ -175,11 +176,6 @@ MonitorLayout::MonitorLayout(Connection& connection)
     m_monitors = readMonitors(connection);
 }
 
-MonitorLayout::~MonitorLayout() {
-    if (m_connection.isOpen())
-        m_connection.deselectEvents(m_connection.root(), XCB_EVENT_MASK_STRUCTURE_NOTIFY);
-}
-
 const Monitor* MonitorLayout::find(DisplayID display) const {
     const auto found = std::ranges::find(m_monitors, display, &Monitor::id);
     return found == m_monitors.end() ? nullptr : &*found;
@@ -192,9 +188,6 @@ void MonitorLayout::listen() {
                                XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE |
                                XCB_RANDR_NOTIFY_MASK_OUTPUT_PROPERTY |
                                XCB_RANDR_NOTIFY_MASK_RESOURCE_CHANGE);
-    // Monitors that are made and deleted by request are told of only by a configuration of the
-    // root.
-    m_connection.selectEvents(m_connection.root(), XCB_EVENT_MASK_STRUCTURE_NOTIFY);
     m_connection.flush();
 }
 

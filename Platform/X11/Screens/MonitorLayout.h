@@ -4,6 +4,7 @@
 #include "Async/Subscription.h"
 #include "Desktop/Identifiers.h"
 #include "Platform/X11/Connection.h"
+#include "Platform/X11/RootSelection.h"
 
 #include <optional>
 #include <string>
@@ -46,7 +47,6 @@ public:
     explicit MonitorLayout(Connection& connection);
     MonitorLayout(const MonitorLayout&) = delete;
     MonitorLayout& operator=(const MonitorLayout&) = delete;
-    ~MonitorLayout();
 
     [[nodiscard]] const std::vector<Monitor>& monitors() const { return m_monitors; }
     /// Null when there is no such monitor (any more). Valid until the next change.
@@ -61,6 +61,9 @@ private:
     void refresh();
 
     Connection& m_connection;
+    // Monitors that are made and deleted by request are told of only by a configuration of the
+    // root.
+    RootSelection m_structure;
     std::vector<Monitor> m_monitors;
     bool m_isStale = false;
     Subscription m_events;

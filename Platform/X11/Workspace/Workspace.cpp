@@ -1,0 +1,93 @@
+#include "Platform/X11/Workspace/Workspace.h"
+
+#include "Platform/Linux/Processes.h"
+
+#include <array>
+#include <utility>
+
+namespace kestrove::x11 {
+
+Workspace::Workspace(Connection& connection, DescriptorWatching& watching,
+                     Applications& applications)
+    : m_connection(connection)
+    , m_watching(watching)
+    , m_applications(applications)
+    , m_root(connection, XCB_EVENT_MASK_PROPERTY_CHANGE)
+    , m_tasks(connection.loop()) {
+    m_events =
+        connection.events.subscribe([this](const xcb_generic_event_t& event) { handle(event); });
+    m_opened = connection.opened.subscribe([this] { lookSoon(); });
+    m_frontmost = frontmostApplication();
+}
+
+std::optional<RunningApplication> Workspace::frontmostApplication() {
+    const auto active = readActiveWindow(m_connection);
+    if (active == XCB_WINDOW_NONE)
+        return std::nullopt;
+    const auto client = std::to_array<ClientWindow>({{active, active}});
+    const auto identities = readIdentities(m_connection, client);
+    if (identities.empty() || !identities.front().processID)
+        return std::nullopt;
+    return runningApplication(*identities.front().processID);
+}
+
+std::optional<RunningApplication> Workspace::runningApplication(ProcessID process) {
+    if (!processStartTime(process))
+        return std::nullopt;
+    if (!m_applications.bundleIdentifier(process)) {
+        const auto windows = readClientList(m_connection).value_or(std::vector<ClientWindow>());
+        m_applications.meet(readIdentities(m_connection, windows));
+    }
+    return RunningApplication{process, m_applications.bundleIdentifier(process)};
+}
+
+Subscription Workspace::onApplicationActivated(ApplicationCallback callback) {
+    return m_activated.subscribe(std::move(callback));
+}
+
+Subscription Workspace::onApplicationTerminated(ApplicationCallback callback) {
+    if (!m_ends)
+        m_ends = std::make_unique<ApplicationEnds>(m_connection, m_watching, m_applications);
+    return m_ends->ended.subscribe(std::move(callback));
+}
+
+Subscription Workspace::onSessionResignedActive(Callback callback) {
+    return m_sessionResigned.subscribe(std::move(callback));
+}
+
+Subscription Workspace::onSessionBecameActive(Callback callback) {
+    return m_sessionBecameActive.subscribe(std::move(callback));
+}
+
+Subscription Workspace::onScreensSlept(Callback callback) {
+    return m_screensSlept.subscribe(std::move(callback));
+}
+
+Subscription Workspace::onScreensWoke(Callback callback) {
+    return m_screensWoke.subscribe(std::move(callback));
+}
+
+void Workspace::handle(const xcb_generic_event_t& event) {
+    if (m_root.isChangeOf(event, "_NET_ACTIVE_WINDOW"))
+        lookSoon();
+}
+
+void Workspace::lookSoon() {
+    if (m_isLookQueued)
+        return;
+    m_isLookQueued = true;
+    m_tasks.post([this] {
+        m_isLookQueued = false;
+        look();
+    });
+}
+
+void Workspace::look() {
+    const auto before = std::exchange(m_frontmost, frontmostApplication());
+    if (m_frontmost && m_frontmost != before) {
+        const auto activated = *m_frontmost;
+        m_activated.emit(activated);
+    }
+}
+
+} // namespace kestrove::x11

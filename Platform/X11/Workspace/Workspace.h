@@ -1,0 +1,57 @@
+#pragma once
+
+#include "Async/TaskScope.h"
+#include "Desktop/Workspace.h"
+#include "Platform/X11/Workspace/ApplicationEnds.h"
+
+#include <memory>
+#include <optional>
+
+namespace kestrove::x11 {
+
+/// Applications are processes that own windows. The one in front owns the window with the focus, as
+/// the window manager says; without a window manager the answer is right when asked for, but nobody
+/// tells that it has changed.
+///
+/// The lock of the session and the sleep of the screens are not X's to tell: those four
+/// subscriptions are accepted here and never called.
+class Workspace final : public kestrove::Workspace {
+public:
+    /// All must outlive this.
+    Workspace(Connection& connection, DescriptorWatching& watching, Applications& applications);
+
+    std::optional<RunningApplication> frontmostApplication() override;
+    std::optional<RunningApplication> runningApplication(ProcessID process) override;
+
+    Subscription onApplicationActivated(ApplicationCallback callback) override;
+    /// Processes are followed from the first subscription on.
+    Subscription onApplicationTerminated(ApplicationCallback callback) override;
+
+    Subscription onSessionResignedActive(Callback callback) override;
+    Subscription onSessionBecameActive(Callback callback) override;
+    Subscription onScreensSlept(Callback callback) override;
+    Subscription onScreensWoke(Callback callback) override;
+
+private:
+    void handle(const xcb_generic_event_t& event);
+    void lookSoon();
+    void look();
+
+    Connection& m_connection;
+    DescriptorWatching& m_watching;
+    Applications& m_applications;
+    RootSelection m_root;
+    std::optional<RunningApplication> m_frontmost;
+    bool m_isLookQueued = false;
+    std::unique_ptr<ApplicationEnds> m_ends;
+    Signal<RunningApplication> m_activated;
+    Signal<> m_sessionResigned;
+    Signal<> m_sessionBecameActive;
+    Signal<> m_screensSlept;
+    Signal<> m_screensWoke;
+    Subscription m_events;
+    Subscription m_opened;
+    TaskScope m_tasks;
+};
+
+} // namespace kestrove::x11
