@@ -1,0 +1,52 @@
+#include "Platform/X11/Capture/RedirectedWindow.h"
+
+namespace kestrove::x11 {
+
+RedirectedWindow::RedirectedWindow(Connection& connection, PictureFormats::Format format,
+                                   xcb_window_t window, int border)
+    : m_connection(connection)
+    , m_lifetime(connection.lifetime())
+    , m_format(format)
+    , m_window(window)
+    , m_border(border)
+    , m_damage(connection, connection.generateIdentifier())
+    , m_events(connection.events.subscribe([this](const auto& event) { onEvent(event); })) {
+    auto* const xcb = connection.get();
+    xcb_composite_redirect_window(xcb, window, XCB_COMPOSITE_REDIRECT_AUTOMATIC);
+    xcb_damage_create(xcb, m_damage.get(), window, XCB_DAMAGE_REPORT_LEVEL_DELTA_RECTANGLES);
+    rename(border);
+}
+
+RedirectedWindow::~RedirectedWindow() {
+    if (!m_lifetime.expired())
+        xcb_composite_unredirect_window(m_connection.get(), m_window,
+                                        XCB_COMPOSITE_REDIRECT_AUTOMATIC);
+}
+
+void RedirectedWindow::rename(int border) {
+    auto* const xcb = m_connection.get();
+    m_border = border;
+    m_picture.reset();
+    m_pixmap = Pixmap(m_connection, m_connection.generateIdentifier());
+    m_picture = Picture(m_connection, m_connection.generateIdentifier());
+    xcb_composite_name_window_pixmap(xcb, m_window, m_pixmap.get());
+    xcb_render_create_picture(xcb, m_picture.get(), m_pixmap.get(), m_format.identifier, 0,
+                              nullptr);
+    acceptDamage();
+}
+
+void RedirectedWindow::acceptDamage() {
+    xcb_damage_subtract(m_connection.get(), m_damage.get(), XCB_NONE, XCB_NONE);
+}
+
+void RedirectedWindow::onEvent(const xcb_generic_event_t& event) {
+    if ((event.response_type & 0x7F) !=
+        m_connection.extensions().damageFirstEvent + XCB_DAMAGE_NOTIFY)
+        return;
+    const auto& notify = reinterpret_cast<const xcb_damage_notify_event_t&>(event);
+    // The area is told relative to the window inside its border.
+    if (notify.damage == m_damage.get())
+        damaged.emit(Region(notify.area).translated(m_border, m_border));
+}
+
+} // namespace kestrove::x11

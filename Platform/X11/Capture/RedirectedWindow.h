@@ -1,0 +1,58 @@
+#pragma once
+
+#include "Async/Signal.h"
+#include "Platform/X11/Capture/PictureFormats.h"
+#include "Platform/X11/Capture/Region.h"
+#include "Platform/X11/Capture/ServerResource.h"
+#include "Platform/X11/Connection.h"
+
+namespace kestrove::x11 {
+
+/// A window whose content the server keeps in a pixmap of its own on our behalf, also where the
+/// window is covered or off screen, and whose changes we are told of.
+///
+/// Our redirection stands beside a compositor's and survives it. The server gives a window a new
+/// pixmap whenever it is mapped or resized: `rename` makes us use the new one.
+///
+/// Thread: main.
+class RedirectedWindow {
+public:
+    /// `format` is that of the window's visual, `border` the width of its border in pixels.
+    RedirectedWindow(Connection& connection, PictureFormats::Format format, xcb_window_t window,
+                     int border);
+    RedirectedWindow(const RedirectedWindow&) = delete;
+    RedirectedWindow& operator=(const RedirectedWindow&) = delete;
+    ~RedirectedWindow();
+
+    [[nodiscard]] xcb_window_t window() const { return m_window; }
+    [[nodiscard]] const PictureFormats::Format& format() const { return m_format; }
+
+    /// The window's pixels, its border included. Void while the window is not viewable: drawing
+    /// from it then does nothing.
+    [[nodiscard]] xcb_render_picture_t picture() const { return m_picture.get(); }
+    [[nodiscard]] xcb_pixmap_t pixmap() const { return m_pixmap.get(); }
+
+    /// The window was mapped or resized.
+    void rename(int border);
+
+    /// Forgets the changes told so far, before they are drawn, so that later ones are told.
+    void acceptDamage();
+
+    /// Pixels of the window's outer rectangle that have changed. May be told many times a change.
+    Signal<Region> damaged;
+
+private:
+    void onEvent(const xcb_generic_event_t& event);
+
+    Connection& m_connection;
+    std::weak_ptr<const void> m_lifetime;
+    PictureFormats::Format m_format;
+    xcb_window_t m_window;
+    int m_border;
+    DamageMonitor m_damage;
+    Pixmap m_pixmap;
+    Picture m_picture;
+    Subscription m_events;
+};
+
+} // namespace kestrove::x11
