@@ -35,8 +35,13 @@ void RedirectedWindow::rename(int border) {
     acceptDamage();
 }
 
-void RedirectedWindow::acceptDamage() {
+void RedirectedWindow::setInterest(const Region& interest) {
+    m_interest = makeServerRegion(m_connection, interest.translated(-m_border, -m_border));
     xcb_damage_subtract(m_connection.get(), m_damage.get(), XCB_NONE, XCB_NONE);
+}
+
+void RedirectedWindow::acceptDamage() {
+    xcb_damage_subtract(m_connection.get(), m_damage.get(), m_interest.get(), XCB_NONE);
 }
 
 void RedirectedWindow::onEvent(const xcb_generic_event_t& event) {

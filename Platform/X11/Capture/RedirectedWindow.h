@@ -35,6 +35,10 @@ public:
     /// The window was mapped or resized.
     void rename(int border);
 
+    /// Limits what is told to `interest` (pixels of the outer rectangle): the rest, once changed,
+    /// stays changed, and wakes nobody up.
+    void setInterest(const Region& interest);
+
     /// Forgets the changes told so far, before they are drawn, so that later ones are told.
     void acceptDamage();
 
@@ -50,6 +54,8 @@ private:
     xcb_window_t m_window;
     int m_border;
     DamageMonitor m_damage;
+    /// Of the window inside its border; none for all of it.
+    ServerRegion m_interest;
     Pixmap m_pixmap;
     Picture m_picture;
     Subscription m_events;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/X11/Capture/Region.h"
 #include "Platform/X11/Connection.h"
 
 #include <memory>
@@ -7,6 +8,7 @@
 #include <xcb/composite.h>
 #include <xcb/damage.h>
 #include <xcb/render.h>
+#include <xcb/xfixes.h>
 
 namespace kestrove::x11 {
 
@@ -53,6 +55,10 @@ using Pixmap = ServerResource<&xcb_free_pixmap>;
 using Picture = ServerResource<&xcb_render_free_picture>;
 using GraphicsContext = ServerResource<&xcb_free_gc>;
 using DamageMonitor = ServerResource<&xcb_damage_destroy>;
+using ServerRegion = ServerResource<&xcb_xfixes_destroy_region>;
 using Window = ServerResource<&xcb_destroy_window>;
+
+/// The same pixels as a region in the server.
+[[nodiscard]] ServerRegion makeServerRegion(Connection& connection, const Region& region);
 
 } // namespace kestrove::x11

@@ -1,0 +1,200 @@
+#include "Platform/X11/Capture/DisplayContent.h"
+
+#include <utility>
+
+namespace kestrove::x11 {
+
+DisplayContent::DisplayContent(Connection& connection, CaptureServices& services,
+                               xcb_rectangle_t area, std::vector<xcb_window_t> excluded)
+    : m_connection(connection)
+    , m_services(services)
+    , m_area(area)
+    , m_excluded(std::move(excluded))
+    , m_root(connection, connection.generateIdentifier())
+    , m_rootDamage(connection, connection.generateIdentifier())
+    , m_events(connection.events.subscribe([this](const auto& event) { onEvent(event); }))
+    , m_drained(connection.eventsDrained.subscribe([this] { onDrained(); }))
+    , m_stackChanged(services.stack.changed.subscribe([this] { arrange(); })) {
+    auto* const xcb = connection.get();
+    const auto format = services.formats.ofVisual(connection.screen().root_visual);
+    const std::uint32_t inferiors = XCB_SUBWINDOW_MODE_INCLUDE_INFERIORS;
+    xcb_render_create_picture(xcb, m_root.get(), connection.root(),
+                              format ? format->identifier : XCB_NONE, XCB_RENDER_CP_SUBWINDOW_MODE,
+                              &inferiors);
+    xcb_damage_create(xcb, m_rootDamage.get(), connection.root(),
+                      XCB_DAMAGE_REPORT_LEVEL_DELTA_RECTANGLES);
+    connection.selectEvents(connection.root(), XCB_EVENT_MASK_PROPERTY_CHANGE);
+    arrange();
+}
+
+DisplayContent::~DisplayContent() {
+    m_connection.deselectEvents(m_connection.root(), XCB_EVENT_MASK_PROPERTY_CHANGE);
+}
+
+void DisplayContent::setArea(xcb_rectangle_t area) {
+    m_area = area;
+    m_background.reset();
+    m_isNew = true;
+    arrange();
+}
+
+std::optional<SourceContent::Place> DisplayContent::placeUnderPointer(xcb_window_t /*topLevel*/) {
+    return Place{m_area.x, m_area.y};
+}
+
+void DisplayContent::arrange() {
+    std::set<xcb_window_t> excluded;
+    for (const auto window : m_excluded) {
+        if (const auto topLevel = m_services.stack.topLevelOf(window))
+            excluded.insert(topLevel);
+    }
+    auto next = composeDisplay(m_services.stack.windows(), excluded, displayRegion(),
+                               m_services.stack.isComposited(), m_services.formats);
+    if (!m_isNew && next == m_composition)
+        return;
+    if (m_isNew)
+        m_damage = displayRegion();
+    else
+        m_damage += m_composition.covered + next.covered;
+    m_composition = std::move(next);
+    updateBeneath();
+    watchDirect();
+    m_isNew = false;
+    m_hasNews = true;
+    m_connection.flush();
+    // Made outside of a batch of events, the news would wait for the next one.
+    if (changed.hasSubscribers())
+        onDrained();
+}
+
+void DisplayContent::updateBeneath() {
+    std::map<xcb_window_t, Beneath> kept;
+    for (const auto& each : m_composition.windows) {
+        const auto& window = each.window;
+        auto entry = std::move(m_beneath[window.window]);
+        if (!entry.redirected) {
+            entry.redirected = std::make_unique<RedirectedWindow>(m_connection, each.format,
+                                                                  window.window, window.border);
+            entry.damaged = entry.redirected->damaged.subscribe(
+                [this, key = window.window](const Region& region) {
+                    const auto& known = m_beneath.at(key);
+                    m_damage += region.translated(known.seen.x, known.seen.y) &
+                                m_composition.covered & known.seen.region();
+                    m_hasNews = true;
+                });
+        } else if (entry.seen.width != window.width || entry.seen.height != window.height ||
+                   entry.seen.border != window.border) {
+            entry.redirected->rename(window.border);
+        }
+        auto interest = each.visible.translated(-window.x, -window.y);
+        if (interest != entry.interest) {
+            entry.interest = std::move(interest);
+            entry.redirected->setInterest(entry.interest);
+        }
+        entry.seen = window;
+        kept.emplace(window.window, std::move(entry));
+    }
+    // Windows that are no longer beneath are let go of here.
+    m_beneath = std::move(kept);
+    if (m_composition.background.isEmpty())
+        m_background.reset();
+    else if (!m_background)
+        m_background = std::make_unique<RootBackground>(m_connection, m_services.formats, m_area,
+                                                        m_services.stack.isComposited());
+}
+
+void DisplayContent::watchDirect() {
+    m_directRegion = makeServerRegion(m_connection, m_composition.direct);
+    xcb_damage_subtract(m_connection.get(), m_rootDamage.get(), XCB_NONE, XCB_NONE);
+}
+
+void DisplayContent::onEvent(const xcb_generic_event_t& event) {
+    const int type = event.response_type & 0x7F;
+    if (type == m_connection.extensions().damageFirstEvent + XCB_DAMAGE_NOTIFY) {
+        const auto& notify = reinterpret_cast<const xcb_damage_notify_event_t&>(event);
+        if (notify.damage != m_rootDamage.get())
+            return;
+        m_damage += Region(notify.area) & m_composition.direct;
+        m_hasNews = true;
+    } else if (type == XCB_PROPERTY_NOTIFY) {
+        const auto& property = reinterpret_cast<const xcb_property_notify_event_t&>(event);
+        if (property.window != m_connection.root() || m_composition.background.isEmpty() ||
+            !RootBackground::isWallpaperProperty(m_connection, property.atom))
+            return;
+        m_background = std::make_unique<RootBackground>(m_connection, m_services.formats, m_area,
+                                                        m_services.stack.isComposited());
+        m_damage += m_composition.background;
+        m_hasNews = true;
+    }
+}
+
+void DisplayContent::onDrained() {
+    if (std::exchange(m_hasNews, false) && hasDamage())
+        changed.emit();
+}
+
+Region DisplayContent::takeDamage() {
+    xcb_damage_subtract(m_connection.get(), m_rootDamage.get(), m_directRegion.get(), XCB_NONE);
+    for (const auto& [window, beneath] : m_beneath)
+        beneath.redirected->acceptDamage();
+    return std::exchange(m_damage, {}).translated(-m_area.x, -m_area.y);
+}
+
+void DisplayContent::paint(const FrameSurface& surface, const Region& region) {
+    const auto root = region.translated(m_area.x, m_area.y);
+    const auto direct = root & m_composition.direct;
+    if (!direct.isEmpty()) {
+        const auto clip = direct.translated(-m_area.x, -m_area.y);
+        const auto box = clip.extents();
+        surface.setClip(m_connection, clip);
+        xcb_render_composite(m_connection.get(), XCB_RENDER_PICT_OP_SRC, m_root.get(), XCB_NONE,
+                             surface.picture(), static_cast<std::int16_t>(box.x + m_area.x),
+                             static_cast<std::int16_t>(box.y + m_area.y), 0, 0, box.x, box.y,
+                             box.width, box.height);
+    }
+    const auto covered = root & m_composition.covered;
+    if (covered.isEmpty())
+        return;
+    paintBackground(surface, covered);
+    for (const auto& window : m_composition.windows)
+        paintWindow(surface, window, covered);
+}
+
+void DisplayContent::paintBackground(const FrameSurface& surface, const Region& root) {
+    const auto part = root & m_composition.background;
+    if (part.isEmpty() || !m_background)
+        return;
+    const auto clip = part.translated(-m_area.x, -m_area.y);
+    const auto box = clip.extents();
+    surface.setClip(m_connection, clip);
+    xcb_render_composite(m_connection.get(), XCB_RENDER_PICT_OP_SRC, m_background->picture(),
+                         XCB_NONE, surface.picture(),
+                         static_cast<std::int16_t>(box.x + m_area.x - m_background->originX()),
+                         static_cast<std::int16_t>(box.y + m_area.y - m_background->originY()), 0,
+                         0, box.x, box.y, box.width, box.height);
+}
+
+void DisplayContent::paintWindow(const FrameSurface& surface, const ComposedWindow& composed,
+                                 const Region& root) {
+    const auto part = root & composed.visible;
+    const auto beneath = m_beneath.find(composed.window.window);
+    if (part.isEmpty() || beneath == m_beneath.end())
+        return;
+    auto* const xcb = m_connection.get();
+    const auto clip = part.translated(-m_area.x, -m_area.y);
+    const auto box = clip.extents();
+    Picture opacity;
+    if (composed.isBlended && composed.window.opacity < 1) {
+        opacity = Picture(m_connection, m_connection.generateIdentifier());
+        const auto alpha = static_cast<std::uint16_t>(composed.window.opacity * 0xFFFF);
+        xcb_render_create_solid_fill(xcb, opacity.get(), {0, 0, 0, alpha});
+    }
+    surface.setClip(m_connection, clip);
+    xcb_render_composite(xcb, composed.isBlended ? XCB_RENDER_PICT_OP_OVER : XCB_RENDER_PICT_OP_SRC,
+                         beneath->second.redirected->picture(), opacity.get(), surface.picture(),
+                         static_cast<std::int16_t>(box.x + m_area.x - composed.window.x),
+                         static_cast<std::int16_t>(box.y + m_area.y - composed.window.y), 0, 0,
+                         box.x, box.y, box.width, box.height);
+}
+
+} // namespace kestrove::x11

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "Platform/X11/Capture/CaptureServices.h"
+#include "Platform/X11/Capture/DisplayComposition.h"
+#include "Platform/X11/Capture/RedirectedWindow.h"
+#include "Platform/X11/Capture/RootBackground.h"
+#include "Platform/X11/Capture/SourceContent.h"
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace kestrove::x11 {
+
+/// A display as the screen shows it, but for windows that are left out: where one of them would be
+/// seen, the windows beneath it are composed instead.
+///
+/// Only what changes in the display and outside the left-out windows is told by the server: what we
+/// draw into our own windows wakes nobody.
+class DisplayContent final : public SourceContent {
+public:
+    /// `area`: the display's pixels on the root.
+    DisplayContent(Connection& connection, CaptureServices& services, xcb_rectangle_t area,
+                   std::vector<xcb_window_t> excluded);
+    ~DisplayContent() override;
+
+    /// The display moved or changed its size.
+    void setArea(xcb_rectangle_t area);
+
+    Extent extent() const override { return {m_area.width, m_area.height}; }
+    std::optional<Place> placeUnderPointer(xcb_window_t topLevelUnderPointer) override;
+    Region takeDamage() override;
+    bool hasDamage() const override { return !m_damage.isEmpty(); }
+    void paint(const FrameSurface& surface, const Region& region) override;
+
+private:
+    struct Beneath {
+        std::unique_ptr<RedirectedWindow> redirected;
+        StackedWindow seen;
+        Region interest;
+        Subscription damaged;
+    };
+
+    void arrange();
+    void updateBeneath();
+    void watchDirect();
+    void onEvent(const xcb_generic_event_t& event);
+    void onDrained();
+    [[nodiscard]] Region displayRegion() const { return Region(m_area); }
+    void paintBackground(const FrameSurface& surface, const Region& root);
+    void paintWindow(const FrameSurface& surface, const ComposedWindow& window, const Region& root);
+
+    Connection& m_connection;
+    CaptureServices& m_services;
+    xcb_rectangle_t m_area;
+    std::vector<xcb_window_t> m_excluded;
+    DisplayComposition m_composition;
+    std::map<xcb_window_t, Beneath> m_beneath;
+    std::unique_ptr<RootBackground> m_background;
+    Picture m_root;
+    DamageMonitor m_rootDamage;
+    ServerRegion m_directRegion;
+    /// Root coordinates.
+    Region m_damage;
+    bool m_isNew = true;
+    bool m_hasNews = false;
+    Subscription m_events;
+    Subscription m_drained;
+    Subscription m_stackChanged;
+};
+
+} // namespace kestrove::x11
