@@ -27,12 +27,14 @@ public:
     };
     using Released = std::move_only_function<void(Content)>;
 
-    FrameSample(Content content, Released released)
+    FrameSample(Content content, std::uint64_t generation, Released released)
         : m_content(std::move(content))
+        , m_generation(generation)
         , m_released(std::move(released)) {}
     ~FrameSample() override { m_released(std::move(m_content)); }
 
     SampleType type() const override { return SampleType::screen; }
+    std::uint64_t generation() const override { return m_generation; }
     bool isValid() const override { return m_content.surface != nullptr; }
     const std::optional<std::vector<SampleAttachments>>& attachments() const override {
         return m_attachments;
@@ -42,7 +44,8 @@ public:
 
 private:
     Content m_content;
-    mutable Released m_released;
+    std::uint64_t m_generation;
+    Released m_released;
     std::optional<std::vector<SampleAttachments>> m_attachments =
         std::vector{SampleAttachments(static_cast<int>(FrameStatus::complete))};
 };

@@ -1,0 +1,275 @@
+#include "Platform/X11/Capture/X11CaptureStream.h"
+
+#include "Platform/X11/Capture/DisplayContent.h"
+#include "Platform/X11/Capture/WindowContent.h"
+
+#include <utility>
+
+namespace kestrove::x11 {
+namespace {
+
+PlatformError connectionLost() {
+    return {"X11", XCB_CONN_ERROR, "the connection to the X server was lost"};
+}
+
+} // namespace
+
+Region X11CaptureStream::PaintedCursor::region() const {
+    return {x, y, image->width, image->height};
+}
+
+X11CaptureStream::X11CaptureStream(Connection& connection, MonitorLayout& monitors,
+                                   std::shared_ptr<CaptureServices> services, ContentFilter filter,
+                                   StreamConfiguration configuration, StopHandler stopped)
+    : m_connection(connection)
+    , m_monitors(monitors)
+    , m_services(std::move(services))
+    , m_filter(std::move(filter))
+    , m_configuration(configuration)
+    , m_stopped(std::move(stopped))
+    , m_tasks(connection.loop()) {}
+
+X11CaptureStream::~X11CaptureStream() {
+    end();
+}
+
+std::expected<void, PlatformError>
+X11CaptureStream::addScreenOutput(std::shared_ptr<SerialQueue> queue, SampleHandler handler) {
+    m_queue = std::move(queue);
+    m_handler = std::move(handler);
+    return {};
+}
+
+Task<std::expected<void, PlatformError>> X11CaptureStream::startCapture() {
+    if (!m_services || !m_connection.isOpen())
+        co_return std::unexpected(connectionLost());
+    if (auto opened = openContent(m_filter); !opened)
+        co_return opened;
+    m_isRunning = true;
+    m_lost = m_connection.lost.subscribe([this] { fail(connectionLost()); });
+    m_room->onReleased = [this] {
+        // Not here: the sample may be let go of in the middle of being shown.
+        if (std::exchange(m_isWaitingForRoom, false))
+            m_nextFrame = m_connection.loop().runAfter(Seconds(0), [this] { makeFrame(); });
+    };
+    followCursor();
+    requestWholeFrame();
+    co_return Outcome();
+}
+
+Task<std::expected<void, PlatformError>> X11CaptureStream::stopCapture() {
+    end();
+    co_return Outcome();
+}
+
+Task<std::expected<void, PlatformError>>
+X11CaptureStream::updateContentFilter(ContentFilter filter) {
+    if (!m_isRunning)
+        co_return std::unexpected(connectionLost());
+    if (auto opened = openContent(std::move(filter)); !opened)
+        co_return opened;
+    requestWholeFrame();
+    co_return Outcome();
+}
+
+Task<std::expected<void, PlatformError>>
+X11CaptureStream::updateConfiguration(StreamConfiguration configuration) {
+    if (!m_isRunning)
+        co_return std::unexpected(connectionLost());
+    m_configuration = configuration;
+    followCursor();
+    requestWholeFrame();
+    co_return Outcome();
+}
+
+X11CaptureStream::Outcome X11CaptureStream::openContent(ContentFilter filter) {
+    auto opened = std::holds_alternative<DisplayFilter>(filter)
+                      ? openDisplay(std::get<DisplayFilter>(filter))
+                      : openWindow(std::get<WindowFilter>(filter));
+    if (!opened)
+        return opened;
+    m_filter = std::move(filter);
+    m_cursor.reset();
+    followContent();
+    return {};
+}
+
+X11CaptureStream::Outcome X11CaptureStream::openDisplay(const DisplayFilter& filter) {
+    const auto* const monitor = m_monitors.find(filter.displayID);
+    if (!monitor)
+        return std::unexpected(PlatformError("X11", XCB_VALUE, "the display has gone"));
+    m_content = std::make_unique<DisplayContent>(m_connection, *m_services, monitor->rectangle,
+                                                 filter.excludedWindows);
+    followDisplay(filter.displayID);
+    return {};
+}
+
+X11CaptureStream::Outcome X11CaptureStream::openWindow(const WindowFilter& filter) {
+    auto opened = WindowContent::open(m_connection, *m_services, filter.windowID);
+    if (!opened)
+        return std::unexpected(std::move(opened.error()));
+    m_content = std::move(*opened);
+    m_monitorsChanged.cancel();
+    return {};
+}
+
+void X11CaptureStream::followContent() {
+    m_changed = m_content->changed.subscribe([this] { requestFrame(); });
+    m_gone = m_content->gone.subscribe([this](const PlatformError& error) { fail(error); });
+}
+
+void X11CaptureStream::followCursor() {
+    m_cursorChanged = m_configuration.showsCursor
+                          ? m_services->cursor.onChanged([this] { requestFrame(); })
+                          : Subscription();
+}
+
+void X11CaptureStream::followDisplay(DisplayID display) {
+    m_monitorsChanged = m_monitors.changed.subscribe([this, display] {
+        const auto* const monitor = m_monitors.find(display);
+        if (!monitor) {
+            fail(PlatformError("X11", XCB_VALUE, "the display has gone"));
+            return;
+        }
+        static_cast<DisplayContent&>(*m_content).setArea(monitor->rectangle);
+        requestFrame();
+    });
+}
+
+void X11CaptureStream::requestWholeFrame() {
+    m_isWholeFrameDue = true;
+    // A new target is shown at once, however short ago the last frame was.
+    m_lastFrame.reset();
+    m_nextFrame = m_connection.loop().runAfter(Seconds(0), [this] { makeFrame(); });
+}
+
+void X11CaptureStream::requestFrame() {
+    if (!m_isRunning || m_nextFrame.isPending())
+        return;
+    const Seconds interval(static_cast<double>(m_configuration.minimumFrameInterval.value) /
+                           m_configuration.minimumFrameInterval.timescale);
+    const auto now = m_connection.loop().now();
+    if (!m_lastFrame || now >= *m_lastFrame + interval)
+        makeFrame();
+    else
+        m_nextFrame =
+            m_connection.loop().runAfter(*m_lastFrame + interval - now, [this] { makeFrame(); });
+}
+
+void X11CaptureStream::makeFrame() {
+    if (!m_isRunning || !m_handler)
+        return;
+    if (m_room->samplesOnTheirWay >= m_configuration.queueDepth) {
+        m_isWaitingForRoom = true;
+        return;
+    }
+    const auto extent = m_content->extent();
+    if (!m_surface || m_surface->width() != extent.width || m_surface->height() != extent.height) {
+        m_surface = std::make_shared<FrameSurface>(m_connection, m_services->formats, extent.width,
+                                                   extent.height);
+        m_isWholeFrameDue = true;
+        m_cursor.reset();
+    }
+    const auto cursor = currentCursor();
+    auto damage = m_content->takeDamage();
+    if (std::exchange(m_isWholeFrameDue, false))
+        damage = m_surface->bounds();
+    if (cursor != m_cursor) {
+        for (const auto& each : {m_cursor, cursor}) {
+            if (each)
+                damage += each->region();
+        }
+    }
+    // Painted over what it is blended with, the cursor must not be blended twice: all of it is
+    // painted anew, or nothing.
+    if (cursor && !(damage & cursor->region()).isEmpty())
+        damage += cursor->region();
+    damage &= m_surface->bounds();
+    m_cursor = cursor;
+    if (damage.isEmpty())
+        return;
+    m_content->paint(*m_surface, damage);
+    if (cursor && !(damage & cursor->region()).isEmpty())
+        paintCursor(*cursor);
+    handOn(std::move(damage));
+}
+
+std::optional<X11CaptureStream::PaintedCursor> X11CaptureStream::currentCursor() {
+    if (!m_configuration.showsCursor)
+        return std::nullopt;
+    const auto position = m_services->cursor.position();
+    const auto place = m_content->placeUnderPointer(position.topLevel);
+    const auto image = m_services->cursor.image();
+    if (!place || !image)
+        return std::nullopt;
+    const int x = position.x - place->x;
+    const int y = position.y - place->y;
+    const auto extent = m_content->extent();
+    // The cursor belongs to what its hot spot is over: it does not hang in from next door.
+    if (x < 0 || y < 0 || x >= extent.width || y >= extent.height)
+        return std::nullopt;
+    return PaintedCursor{image, x - image->hotX, y - image->hotY};
+}
+
+void X11CaptureStream::paintCursor(const PaintedCursor& cursor) {
+    m_surface->setClip(m_connection, m_surface->bounds());
+    xcb_render_composite(m_connection.get(), XCB_RENDER_PICT_OP_OVER, cursor.image->picture.get(),
+                         XCB_NONE, m_surface->picture(), 0, 0, 0, 0,
+                         static_cast<std::int16_t>(cursor.x), static_cast<std::int16_t>(cursor.y),
+                         static_cast<std::uint16_t>(cursor.image->width),
+                         static_cast<std::uint16_t>(cursor.image->height));
+}
+
+void X11CaptureStream::handOn(Region damage) {
+    m_connection.flush();
+    m_lastFrame = m_connection.loop().now();
+    ++m_room->samplesOnTheirWay;
+    auto released = [room = m_room, &loop = m_connection.loop()](FrameSample::Content content) {
+        // The surface belongs to the main thread; so does the count.
+        auto release = [room, held = std::move(content)] {
+            --room->samplesOnTheirWay;
+            if (room->onReleased)
+                room->onReleased();
+        };
+        if (loop.isMainThread())
+            release();
+        else
+            loop.post(std::move(release));
+    };
+    FrameSample::Content content{m_surface, std::move(damage), ++m_number};
+    auto sample = std::make_shared<const FrameSample>(
+        std::move(content), m_configuration.generation, std::move(released));
+    m_queue->post([handler = m_handler, handed = std::move(sample)]() mutable {
+        handler(std::move(handed));
+    });
+}
+
+void X11CaptureStream::end() {
+    m_isRunning = false;
+    m_room->onReleased = nullptr;
+    m_nextFrame.cancel();
+    m_changed.cancel();
+    m_gone.cancel();
+    m_cursorChanged.cancel();
+    m_monitorsChanged.cancel();
+    m_lost.cancel();
+    m_surface.reset();
+    m_cursor.reset();
+    // Windows that were redirected for this stream are let go of now, not with the next request.
+    if (std::exchange(m_content, nullptr))
+        m_connection.flush();
+}
+
+void X11CaptureStream::fail(PlatformError error) {
+    if (!m_isRunning)
+        return;
+    m_isRunning = false;
+    // Told by the content itself, which must not go before its call has returned.
+    m_tasks.post([this, told = std::move(error)] {
+        end();
+        if (m_stopped)
+            m_stopped(told);
+    });
+}
+
+} // namespace kestrove::x11

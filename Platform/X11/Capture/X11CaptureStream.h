@@ -1,0 +1,91 @@
+#pragma once
+
+#include "Async/TaskScope.h"
+#include "Desktop/ScreenCapture.h"
+#include "Platform/X11/Capture/CaptureServices.h"
+#include "Platform/X11/Capture/FrameSample.h"
+#include "Platform/X11/Capture/SourceContent.h"
+#include "Platform/X11/Screens/MonitorLayout.h"
+
+#include <memory>
+#include <optional>
+
+namespace kestrove::x11 {
+
+/// A capture stream: gathers what has changed, paints it with the cursor into its frame surface and
+/// hands the frame on, never more often than the configuration allows and never without a change.
+class X11CaptureStream final : public CaptureStream {
+public:
+    X11CaptureStream(Connection& connection, MonitorLayout& monitors,
+                     std::shared_ptr<CaptureServices> services, ContentFilter filter,
+                     StreamConfiguration configuration, StopHandler stopped);
+    ~X11CaptureStream() override;
+
+    std::expected<void, PlatformError> addScreenOutput(std::shared_ptr<SerialQueue> queue,
+                                                       SampleHandler handler) override;
+    Task<std::expected<void, PlatformError>> startCapture() override;
+    Task<std::expected<void, PlatformError>> stopCapture() override;
+    Task<std::expected<void, PlatformError>> updateContentFilter(ContentFilter filter) override;
+    Task<std::expected<void, PlatformError>>
+    updateConfiguration(StreamConfiguration configuration) override;
+
+private:
+    using Outcome = std::expected<void, PlatformError>;
+    /// How many samples are on their way; outlives the stream with the last of them.
+    struct Room {
+        int samplesOnTheirWay = 0;
+        std::function<void()> onReleased;
+    };
+    /// What of the cursor was painted into the surface, and where.
+    struct PaintedCursor {
+        std::shared_ptr<const CursorImage> image;
+        int x = 0;
+        int y = 0;
+        [[nodiscard]] Region region() const;
+        bool operator==(const PaintedCursor&) const = default;
+    };
+
+    Outcome openContent(ContentFilter filter);
+    Outcome openDisplay(const DisplayFilter& filter);
+    Outcome openWindow(const WindowFilter& filter);
+    void followContent();
+    void followCursor();
+    void followDisplay(DisplayID display);
+    void requestFrame();
+    void requestWholeFrame();
+    void makeFrame();
+    [[nodiscard]] std::optional<PaintedCursor> currentCursor();
+    void paintCursor(const PaintedCursor& cursor);
+    void handOn(Region damage);
+    void end();
+    void fail(PlatformError error);
+
+    Connection& m_connection;
+    MonitorLayout& m_monitors;
+    std::shared_ptr<CaptureServices> m_services;
+    ContentFilter m_filter;
+    StreamConfiguration m_configuration;
+    StopHandler m_stopped;
+    std::shared_ptr<SerialQueue> m_queue;
+    SampleHandler m_handler;
+    bool m_isRunning = false;
+
+    std::unique_ptr<SourceContent> m_content;
+    std::shared_ptr<const FrameSurface> m_surface;
+    std::optional<PaintedCursor> m_cursor;
+    bool m_isWholeFrameDue = true;
+    std::uint64_t m_number = 0;
+    std::shared_ptr<Room> m_room = std::make_shared<Room>();
+    bool m_isWaitingForRoom = false;
+    std::optional<Seconds> m_lastFrame;
+    Timer m_nextFrame;
+
+    Subscription m_changed;
+    Subscription m_gone;
+    Subscription m_cursorChanged;
+    Subscription m_monitorsChanged;
+    Subscription m_lost;
+    TaskScope m_tasks;
+};
+
+} // namespace kestrove::x11
