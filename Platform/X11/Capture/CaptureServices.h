@@ -6,18 +6,28 @@
 #include "Platform/X11/Connection.h"
 #include "Platform/X11/RawMotion.h"
 
+#include <memory>
+
 namespace kestrove::x11 {
 
-/// What all captures share: made for the first stream, kept while the connection lives.
+/// What all captures share: made for the first stream, kept by the streams. It belongs to the
+/// connection to the server that it was made on.
 struct CaptureServices {
     CaptureServices(Connection& connection, RawMotion& motion)
         : formats(connection)
         , stack(connection)
-        , cursor(connection, formats, motion) {}
+        , cursor(connection, formats, motion)
+        , m_lifetime(connection.lifetime()) {}
+
+    /// Whether that connection still is.
+    [[nodiscard]] bool isCurrent() const { return !m_lifetime.expired(); }
 
     PictureFormats formats;
     WindowStack stack;
     CursorTracker cursor;
+
+private:
+    std::weak_ptr<const void> m_lifetime;
 };
 
 } // namespace kestrove::x11

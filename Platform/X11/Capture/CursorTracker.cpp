@@ -21,15 +21,7 @@ CursorTracker::CursorTracker(Connection& connection, const PictureFormats& forma
     , m_drained(connection.eventsDrained.subscribe([this] {
         if (std::exchange(m_hasImageChanged, false))
             m_imageChanged.emit();
-    }))
-    , m_opened(connection.opened.subscribe([this] { reset(); })) {
-    reset();
-}
-
-void CursorTracker::reset() {
-    m_known.clear();
-    m_serial.reset();
-    m_position.reset();
+    })) {
     xcb_xfixes_select_cursor_input(m_connection.get(), m_connection.root(),
                                    XCB_XFIXES_CURSOR_NOTIFY_MASK_DISPLAY_CURSOR);
 }

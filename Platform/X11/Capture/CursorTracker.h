@@ -56,7 +56,6 @@ private:
         std::shared_ptr<const CursorImage> image;
     };
 
-    void reset();
     void onEvent(const xcb_generic_event_t& event);
     std::shared_ptr<const CursorImage> fetch();
 
@@ -71,7 +70,6 @@ private:
     bool m_hasImageChanged = false;
     Subscription m_events;
     Subscription m_drained;
-    Subscription m_opened;
 };
 
 } // namespace kestrove::x11

@@ -7,6 +7,7 @@ namespace kestrove::x11 {
 DisplayContent::DisplayContent(Connection& connection, CaptureServices& services,
                                xcb_rectangle_t area, std::vector<xcb_window_t> excluded)
     : m_connection(connection)
+    , m_lifetime(connection.lifetime())
     , m_services(services)
     , m_area(area)
     , m_excluded(std::move(excluded))
@@ -28,10 +29,15 @@ DisplayContent::DisplayContent(Connection& connection, CaptureServices& services
 }
 
 DisplayContent::~DisplayContent() {
+    if (m_lifetime.expired())
+        return;
     m_connection.deselectEvents(m_connection.root(), XCB_EVENT_MASK_PROPERTY_CHANGE);
 }
 
 void DisplayContent::setArea(xcb_rectangle_t area) {
+    if (area.x == m_area.x && area.y == m_area.y && area.width == m_area.width &&
+        area.height == m_area.height)
+        return;
     m_area = area;
     m_background.reset();
     m_isNew = true;

@@ -25,10 +25,8 @@ public:
                    std::vector<xcb_window_t> excluded);
     ~DisplayContent() override;
 
-    /// The display moved or changed its size.
-    void setArea(xcb_rectangle_t area);
-
     Extent extent() const override { return {m_area.width, m_area.height}; }
+    void setArea(xcb_rectangle_t area) override;
     std::optional<Place> placeUnderPointer(xcb_window_t topLevelUnderPointer) override;
     Region takeDamage() override;
     bool hasDamage() const override { return !m_damage.isEmpty(); }
@@ -52,6 +50,7 @@ private:
     void paintWindow(const FrameSurface& surface, const ComposedWindow& window, const Region& root);
 
     Connection& m_connection;
+    std::weak_ptr<const void> m_lifetime;
     CaptureServices& m_services;
     xcb_rectangle_t m_area;
     std::vector<xcb_window_t> m_excluded;

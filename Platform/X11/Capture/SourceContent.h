@@ -28,6 +28,9 @@ public:
 
     [[nodiscard]] virtual Extent extent() const = 0;
 
+    /// The display moved or changed its size: its pixels on the root. Nothing to a window.
+    virtual void setArea(xcb_rectangle_t area) = 0;
+
     /// Where the source's top left lies on the root window; absent while the source cannot be seen
     /// there, so that a pointer is not over it.
     struct Place {

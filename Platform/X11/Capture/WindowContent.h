@@ -22,6 +22,7 @@ public:
     ~WindowContent() override;
 
     Extent extent() const override;
+    void setArea(xcb_rectangle_t /*area*/) override {}
     std::optional<Place> placeUnderPointer(xcb_window_t topLevelUnderPointer) override;
     Region takeDamage() override;
     bool hasDamage() const override { return !m_damage.isEmpty(); }

@@ -20,24 +20,24 @@ Region StackedWindow::region() const {
 
 WindowStack::WindowStack(Connection& connection)
     : m_connection(connection)
+    , m_lifetime(connection.lifetime())
     , m_events(connection.events.subscribe([this](const auto& event) { onEvent(event); }))
     , m_drained(connection.eventsDrained.subscribe([this] {
         if (std::exchange(m_hasChanged, false))
             changed.emit();
-    }))
-    , m_opened(connection.opened.subscribe([this] { readAll(); })) {
+    })) {
     readAll();
 }
 
 WindowStack::~WindowStack() {
+    if (m_lifetime.expired())
+        return;
     m_connection.deselectEvents(m_connection.root(), XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
     for (const auto& each : m_windows)
         m_connection.deselectEvents(each.window, XCB_EVENT_MASK_PROPERTY_CHANGE);
 }
 
 void WindowStack::readAll() {
-    m_windows.clear();
-    m_topLevels.clear();
     // Selected before reading, so that what happens in between is told after it.
     m_connection.selectEvents(m_connection.root(), XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
     const auto selection = m_connection.atom("_NET_WM_CM_S0");

@@ -75,6 +75,7 @@ private:
     StackedWindow* findMutable(xcb_window_t window);
 
     Connection& m_connection;
+    std::weak_ptr<const void> m_lifetime;
     std::vector<StackedWindow> m_windows;
     std::map<xcb_window_t, xcb_window_t> m_topLevels;
     xcb_window_t m_overlay = XCB_NONE;
@@ -82,7 +83,6 @@ private:
     bool m_hasChanged = false;
     Subscription m_events;
     Subscription m_drained;
-    Subscription m_opened;
 };
 
 } // namespace kestrove::x11

@@ -1,7 +1,6 @@
 #include "Platform/X11/Capture/X11CaptureStream.h"
 
-#include "Platform/X11/Capture/DisplayContent.h"
-#include "Platform/X11/Capture/WindowContent.h"
+#include "Platform/X11/Capture/SourceContents.h"
 
 #include <utility>
 
@@ -83,39 +82,20 @@ X11CaptureStream::updateConfiguration(StreamConfiguration configuration) {
 }
 
 X11CaptureStream::Outcome X11CaptureStream::openContent(ContentFilter filter) {
-    auto opened = std::holds_alternative<DisplayFilter>(filter)
-                      ? openDisplay(std::get<DisplayFilter>(filter))
-                      : openWindow(std::get<WindowFilter>(filter));
+    auto opened = openSourceContent(m_connection, m_monitors, *m_services, filter);
     if (!opened)
-        return opened;
+        return std::unexpected(std::move(opened.error()));
+    m_content = std::move(*opened);
     m_filter = std::move(filter);
     m_cursor.reset();
     followContent();
     return {};
 }
 
-X11CaptureStream::Outcome X11CaptureStream::openDisplay(const DisplayFilter& filter) {
-    const auto* const monitor = m_monitors.find(filter.displayID);
-    if (!monitor)
-        return std::unexpected(PlatformError("X11", XCB_VALUE, "the display has gone"));
-    m_content = std::make_unique<DisplayContent>(m_connection, *m_services, monitor->rectangle,
-                                                 filter.excludedWindows);
-    followDisplay(filter.displayID);
-    return {};
-}
-
-X11CaptureStream::Outcome X11CaptureStream::openWindow(const WindowFilter& filter) {
-    auto opened = WindowContent::open(m_connection, *m_services, filter.windowID);
-    if (!opened)
-        return std::unexpected(std::move(opened.error()));
-    m_content = std::move(*opened);
-    m_monitorsChanged.cancel();
-    return {};
-}
-
 void X11CaptureStream::followContent() {
     m_changed = m_content->changed.subscribe([this] { requestFrame(); });
     m_gone = m_content->gone.subscribe([this](const PlatformError& error) { fail(error); });
+    m_monitorsChanged = m_monitors.changed.subscribe([this] { followDisplay(); });
 }
 
 void X11CaptureStream::followCursor() {
@@ -124,16 +104,14 @@ void X11CaptureStream::followCursor() {
                           : Subscription();
 }
 
-void X11CaptureStream::followDisplay(DisplayID display) {
-    m_monitorsChanged = m_monitors.changed.subscribe([this, display] {
-        const auto* const monitor = m_monitors.find(display);
-        if (!monitor) {
-            fail(PlatformError("X11", XCB_VALUE, "the display has gone"));
-            return;
-        }
-        static_cast<DisplayContent&>(*m_content).setArea(monitor->rectangle);
-        requestFrame();
-    });
+void X11CaptureStream::followDisplay() {
+    const auto* const display = std::get_if<DisplayFilter>(&m_filter);
+    if (!display)
+        return;
+    if (const auto* const monitor = m_monitors.find(display->displayID))
+        m_content->setArea(monitor->rectangle);
+    else
+        fail(displayGone());
 }
 
 void X11CaptureStream::requestWholeFrame() {

@@ -46,11 +46,9 @@ private:
     };
 
     Outcome openContent(ContentFilter filter);
-    Outcome openDisplay(const DisplayFilter& filter);
-    Outcome openWindow(const WindowFilter& filter);
     void followContent();
     void followCursor();
-    void followDisplay(DisplayID display);
+    void followDisplay();
     void requestFrame();
     void requestWholeFrame();
     void makeFrame();

@@ -1,0 +1,120 @@
+#include "Tests/X11/Capture/CaptureFixture.h"
+
+#include <utility>
+
+namespace kestrove::test {
+
+CaptureDesktop::CaptureDesktop(const XDesktop::Options& options)
+    : desktop(options)
+    , applications(DesktopEntries({}))
+    , m_tasks(loop) {
+    auto opened = x11::Connection::open(loop, loop, desktop.displayName());
+    EXPECT_TRUE(opened) << opened.error().description;
+    connection = std::move(*opened);
+    monitors = std::make_unique<x11::MonitorLayout>(*connection);
+    motion = std::make_unique<x11::RawMotion>(*connection);
+    capture =
+        std::make_unique<x11::X11ScreenCapture>(*connection, *monitors, applications, *motion);
+    layer = std::make_unique<x11::X11DisplayLayer>(*connection);
+}
+
+StreamConfiguration CaptureDesktop::configurationAt(int framesPerSecond, bool showsCursor) {
+    StreamConfiguration configuration;
+    configuration.minimumFrameInterval = {1, framesPerSecond};
+    configuration.queueDepth = 6;
+    configuration.showsCursor = showsCursor;
+    return configuration;
+}
+
+DisplayFilter CaptureDesktop::display(std::size_t index, std::vector<WindowID> excluded) {
+    return {monitors->monitors().at(index).id, std::move(excluded)};
+}
+
+void CaptureDesktop::openOutput(const xcb_rectangle_t& geometry) {
+    m_output = std::make_unique<TestWindow>(
+        desktop.displayName(),
+        TestWindow::Options{.geometry = geometry, .overrideRedirect = true, .title = "output"});
+    layer->setHost(m_output->id());
+}
+
+void CaptureDesktop::run(Task<void> task) {
+    m_tasks.launch(std::move(task));
+    EXPECT_TRUE(loop.spinUntil([this] { return m_tasks.isEmpty(); }));
+}
+
+void CaptureDesktop::start(ContentFilter filter, StreamConfiguration configuration) {
+    stream = capture->makeStream(std::move(filter), configuration,
+                                 [this](const PlatformError& error) { stops.push_back(error); });
+    const auto added = stream->addScreenOutput(loop.makeSerialQueue("samples"),
+                                               [this](SampleBufferPointer sample) {
+                                                   loop.post([this, shown = std::move(sample)] {
+                                                       ++frames;
+                                                       layer->enqueue(shown);
+                                                   });
+                                               });
+    EXPECT_TRUE(added);
+    run(startStream());
+    EXPECT_TRUE(m_outcome) << m_outcome.error().description;
+}
+
+Task<void> CaptureDesktop::startStream() {
+    m_outcome = co_await stream->startCapture();
+}
+
+void CaptureDesktop::retarget(ContentFilter filter) {
+    run(retargetStream(std::move(filter)));
+    EXPECT_TRUE(m_outcome) << m_outcome.error().description;
+}
+
+Task<void> CaptureDesktop::retargetStream(ContentFilter filter) {
+    m_outcome = co_await stream->updateContentFilter(std::move(filter));
+}
+
+void CaptureDesktop::stop() {
+    run(stopStream());
+}
+
+Task<void> CaptureDesktop::stopStream() {
+    m_outcome = co_await stream->stopCapture();
+}
+
+PixelImage CaptureDesktop::output() const {
+    return readPixels(desktop.connection(), m_output->id());
+}
+
+PixelImage CaptureDesktop::screen(const xcb_rectangle_t& part) const {
+    return readPixels(desktop.connection(), desktop.root(), part);
+}
+
+testing::AssertionResult CaptureDesktop::outputBecomes(const PixelImage& expected,
+                                                       std::string_view name, int tolerance) {
+    const auto equals = [&] {
+        const auto actual = output();
+        if (actual.pixels.size() != expected.pixels.size())
+            return false;
+        for (std::size_t index = 0; index < actual.pixels.size(); ++index) {
+            if ((actual.pixels[index] ^ expected.pixels[index]) & 0xFFFFFFU)
+                return false;
+        }
+        return true;
+    };
+    if (tolerance == 0)
+        (void)loop.spinUntil(equals, Seconds(3));
+    else
+        settle();
+    return samePixels(output(), expected, name, tolerance);
+}
+
+void CaptureDesktop::settle() {
+    // Quiet is a round through server and loop that brought no frame, several times in a row.
+    int quiet = 0;
+    int seen = frames;
+    (void)loop.spinUntil([&] {
+        connection->synchronize();
+        quiet = seen == frames ? quiet + 1 : 0;
+        seen = frames;
+        return quiet > 20;
+    });
+}
+
+} // namespace kestrove::test
