@@ -2,17 +2,18 @@
 
 #include "Platform/Simulated/Misuse.h"
 
+#include <algorithm>
 #include <optional>
 #include <string>
 
 namespace kestrove {
 
 struct SimulatedMainLoop::TimerState {
-    TimerState(Operation work, Seconds every)
+    TimerState(Operation work, Clock every)
         : operation(std::move(work))
         , interval(every) {}
     Operation operation;
-    Seconds interval;
+    Clock interval;
     std::optional<Due> due;
     SimulatedMainLoop* loop = nullptr;
 };
@@ -22,10 +23,12 @@ public:
     explicit TimerWork(std::shared_ptr<TimerState> state)
         : m_state(std::move(state)) {}
     ~TimerWork() override {
-        if (m_state->loop && m_state->due)
+        if (m_state->loop && m_state->due) {
+            m_state->loop->requireMainThread("cancelling a timer");
             m_state->loop->m_timers.erase(*m_state->due);
+        }
         m_state->due.reset();
-        m_state->interval = Seconds(0);
+        m_state->interval = Clock(0);
     }
     bool isPending() const override { return m_state->due.has_value(); }
 
@@ -38,12 +41,21 @@ public:
     Queue(SimulatedMainLoop& loop, std::string label)
         : m_loop(loop)
         , m_label(std::move(label))
-        , m_alive(std::make_shared<char>()) {}
+        , m_isRunning(std::make_shared<bool>(false)) {}
+    ~Queue() override {
+        if (*m_isRunning)
+            abortOnMisuse("a serial queue destroyed from one of its own operations");
+    }
     const std::string& label() const override { return m_label; }
     void post(Operation operation) override {
-        auto guarded = [alive = std::weak_ptr(m_alive), run = std::move(operation)]() mutable {
-            if (alive.lock())
-                run();
+        auto guarded = [isRunning = std::weak_ptr(m_isRunning),
+                        run = std::move(operation)]() mutable {
+            const auto alive = isRunning.lock();
+            if (!alive)
+                return;
+            *alive = true;
+            run();
+            *alive = false;
         };
         m_loop.enqueue(std::move(guarded), Where::serialQueue);
     }
@@ -51,7 +63,7 @@ public:
 private:
     SimulatedMainLoop& m_loop;
     std::string m_label;
-    std::shared_ptr<char> m_alive;
+    std::shared_ptr<bool> m_isRunning;
 };
 
 SimulatedMainLoop::SimulatedMainLoop()
@@ -60,6 +72,15 @@ SimulatedMainLoop::SimulatedMainLoop()
 SimulatedMainLoop::~SimulatedMainLoop() {
     for (const auto& [due, timer] : m_timers)
         timer->loop = nullptr;
+    // One by one, because what an operation owned may queue something as it goes.
+    while (!m_queue.empty()) {
+        const auto dropped = std::move(m_queue.front());
+        m_queue.pop_front();
+    }
+}
+
+SimulatedMainLoop::Clock SimulatedMainLoop::ticks(Seconds duration) {
+    return std::chrono::round<Clock>(duration);
 }
 
 void SimulatedMainLoop::post(Operation operation) {
@@ -73,13 +94,13 @@ void SimulatedMainLoop::enqueue(Operation operation, Where where) {
 }
 
 Timer SimulatedMainLoop::runAfter(Seconds delay, Operation operation) {
-    return addTimer(delay, Seconds(0), std::move(operation));
+    return addTimer(ticks(delay), Clock(0), std::move(operation));
 }
 
 Timer SimulatedMainLoop::runEvery(Seconds interval, Operation operation) {
-    if (interval <= Seconds(0))
+    if (ticks(interval) <= Clock(0))
         abortOnMisuse("a repeating timer without a positive interval");
-    return addTimer(interval, interval, std::move(operation));
+    return addTimer(ticks(interval), ticks(interval), std::move(operation));
 }
 
 std::shared_ptr<SerialQueue> SimulatedMainLoop::makeSerialQueue(std::string label) {
@@ -96,8 +117,13 @@ void SimulatedMainLoop::requireMainThread(std::string_view what) const {
 }
 
 bool SimulatedMainLoop::runOne() {
-    if (m_queue.empty())
-        return false;
+    requireMainThread("running the loop");
+    if (m_queue.empty()) {
+        if (!hasTimerDue(m_now))
+            return false;
+        fireFirstTimer();
+        return true;
+    }
     auto next = std::move(m_queue.front());
     m_queue.pop_front();
     const auto before = std::exchange(m_where, next.where);
@@ -117,11 +143,14 @@ void SimulatedMainLoop::runUntilIdle() {
 }
 
 void SimulatedMainLoop::advance(Seconds duration) {
-    const auto end = m_now + duration;
+    const auto end = m_now + ticks(duration);
     runUntilIdle();
-    while (!m_timers.empty() && m_timers.begin()->first.first <= end)
+    while (hasTimerDue(end)) {
         fireFirstTimer();
-    m_now = end;
+        runUntilIdle();
+    }
+    // An operation may have advanced the clock itself.
+    m_now = std::max(m_now, end);
 }
 
 bool SimulatedMainLoop::advanceToNextTimer() {
@@ -129,20 +158,30 @@ bool SimulatedMainLoop::advanceToNextTimer() {
     if (m_timers.empty())
         return false;
     fireFirstTimer();
+    runUntilIdle();
     return true;
 }
 
-Timer SimulatedMainLoop::addTimer(Seconds delay, Seconds interval, Operation operation) {
+void SimulatedMainLoop::stall(Seconds duration) {
+    requireMainThread("stalling the loop");
+    m_now += ticks(duration);
+}
+
+Timer SimulatedMainLoop::addTimer(Clock delay, Clock interval, Operation operation) {
     requireMainThread("setting a timer");
     auto state = std::make_shared<TimerState>(std::move(operation), interval);
     state->loop = this;
-    schedule(state, m_now + std::max(delay, Seconds(0)));
+    schedule(state, m_now + std::max(delay, Clock(0)));
     return Timer(std::make_unique<TimerWork>(std::move(state)));
 }
 
-void SimulatedMainLoop::schedule(const std::shared_ptr<TimerState>& timer, Seconds at) {
+void SimulatedMainLoop::schedule(const std::shared_ptr<TimerState>& timer, Clock at) {
     timer->due = Due(at, m_sequence++);
     m_timers.emplace(*timer->due, timer);
+}
+
+bool SimulatedMainLoop::hasTimerDue(Clock at) const {
+    return !m_timers.empty() && m_timers.begin()->first.first <= at;
 }
 
 void SimulatedMainLoop::fireFirstTimer() {
@@ -151,10 +190,14 @@ void SimulatedMainLoop::fireFirstTimer() {
     m_now = std::max(m_now, first->first.first);
     m_timers.erase(first);
     timer->due.reset();
-    if (timer->interval > Seconds(0))
+    if (timer->interval > Clock(0)) {
         schedule(timer, m_now + timer->interval);
-    timer->operation();
-    runUntilIdle();
+        timer->operation();
+        return;
+    }
+    // Moved out, so that work which is over lets go of what it owned.
+    auto once = std::move(timer->operation);
+    once();
 }
 
 } // namespace kestrove

@@ -13,7 +13,7 @@
 namespace kestrove {
 
 /// A main loop on a virtual clock: time stands still while work is done and moves only when told
-/// to.
+/// to. The clock counts whole nanoseconds, so that 0.1 three times is 0.3.
 ///
 /// Everything runs on the thread that made the loop, in one fixed order, so that a run can be
 /// replayed. Work of its serial queues runs on that thread too, but counts as being off the main
@@ -30,23 +30,29 @@ public:
     std::shared_ptr<SerialQueue> makeSerialQueue(std::string label) override;
     bool isMainThread() const override;
 
-    /// Runs what is queued, and what that queues, without moving the clock. Aborts when it never
-    /// ends.
+    /// Runs what is queued and the timers that are due, and what these queue, without moving the
+    /// clock. Aborts when it never ends.
     void runUntilIdle();
 
-    /// Runs one queued operation; false when none was queued.
+    /// Runs one queued operation or, when none is queued, one timer that is due; false when there
+    /// was neither.
     bool runOne();
 
     /// Moves the clock on by `duration`, running every timer that comes due on the way, in order.
     void advance(Seconds duration);
 
-    /// Moves the clock to the next timer and runs it; false when no timer is set.
+    /// Moves the clock to the next timer and runs it, with all that is due then; false when no
+    /// timer is set.
     bool advanceToNextTimer();
 
+    /// Lets time pass in which nothing runs, as an operation that keeps the main thread busy does.
+    void stall(Seconds duration);
+
     [[nodiscard]] std::size_t timerCount() const { return m_timers.size(); }
+    /// Whether nothing is queued; timers do not count.
     [[nodiscard]] bool isIdle() const { return m_queue.empty(); }
 
-    /// Aborts unless called on the main thread, outside of serial queues.
+    /// Aborts with `what` unless called on the main thread, outside of serial queues.
     void requireMainThread(std::string_view what) const;
 
 private:
@@ -54,19 +60,22 @@ private:
     class TimerWork;
     class Queue;
     enum class Where : std::uint8_t { mainThread, serialQueue };
+    using Clock = std::chrono::nanoseconds;
     /// When a timer is due and, among equals, which was set first.
-    using Due = std::pair<Seconds, std::uint64_t>;
+    using Due = std::pair<Clock, std::uint64_t>;
     struct Queued {
         Operation operation;
         Where where;
     };
 
+    static Clock ticks(Seconds duration);
     void enqueue(Operation operation, Where where);
-    Timer addTimer(Seconds delay, Seconds interval, Operation operation);
-    void schedule(const std::shared_ptr<TimerState>& timer, Seconds at);
+    Timer addTimer(Clock delay, Clock interval, Operation operation);
+    void schedule(const std::shared_ptr<TimerState>& timer, Clock at);
     void fireFirstTimer();
+    [[nodiscard]] bool hasTimerDue(Clock at) const;
 
-    Seconds m_now{0};
+    Clock m_now{0};
     std::uint64_t m_sequence = 0;
     std::deque<Queued> m_queue;
     std::map<Due, std::shared_ptr<TimerState>> m_timers;
