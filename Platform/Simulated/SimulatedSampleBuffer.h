@@ -51,6 +51,7 @@ public:
 
     SampleType type() const override { return m_traits.type; }
     bool isValid() const override { return m_traits.isValid; }
+    std::uint64_t generation() const override { return m_frame->configuration.generation; }
     const std::optional<std::vector<SampleAttachments>>& attachments() const override {
         return m_traits.attachments;
     }
