@@ -237,7 +237,7 @@ xcb_atom_t TestWindow::atom(std::string_view name) const {
     const auto cookie =
         xcb_intern_atom(m_connection, 0, static_cast<std::uint16_t>(name.size()), name.data());
     const Reply reply(xcb_intern_atom_reply(m_connection, cookie, nullptr));
-    return reply ? reply->atom : XCB_ATOM_NONE;
+    return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
 }
 
 Color TestWindow::patternAt(int x, int y) {

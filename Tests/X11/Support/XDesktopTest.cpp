@@ -110,8 +110,8 @@ TEST_P(WindowManagerTest, stopsAndStartsAgain) {
 
 INSTANTIATE_TEST_SUITE_P(All, WindowManagerTest,
                          testing::Values(WindowManager::openbox, WindowManager::xfwm4),
-                         [](const auto& info) {
-                             return info.param == WindowManager::openbox ? "openbox" : "xfwm4";
+                         [](const auto& manager) {
+                             return manager.param == WindowManager::openbox ? "openbox" : "xfwm4";
                          });
 
 TEST(XDesktopTest, compositorOwnsTheSelectionUntilItStops) {

@@ -1,0 +1,131 @@
+"""A private X desktop with two displays: everything it starts ends with it, whatever happens."""
+
+import ctypes
+import os
+import pathlib
+import signal
+import subprocess
+import tempfile
+import time
+
+# Both displays have the sides 16:10, so that the output window needs no bars; the second is larger,
+# so that the first fits into a window on it pixel by pixel.
+DISPLAYS = {"LEFT": (0, 0, 1280, 800), "RIGHT": (1280, 0, 1600, 1000)}
+FRAMEBUFFER = (2880, 1000)
+PATIENCE = 20.0
+
+
+def wait_until(condition, what, patience=PATIENCE):
+    """The first true value of `condition`, asked every few milliseconds."""
+    end = time.monotonic() + patience
+    while True:
+        value = condition()
+        if value:
+            return value
+        if time.monotonic() > end:
+            raise TimeoutError(f"gave up waiting for {what}")
+        time.sleep(0.02)
+
+
+def _die_with_parent():
+    death_signal_option = 1  # PR_SET_PDEATHSIG
+    ctypes.CDLL(None).prctl(death_signal_option, signal.SIGKILL)
+
+
+class Desktop:
+    def __init__(self, logs):
+        self.logs = pathlib.Path(logs)
+        self.logs.mkdir(parents=True, exist_ok=True)
+        self.folder = tempfile.TemporaryDirectory(prefix="kestrove-tour-")
+        self.home = pathlib.Path(self.folder.name)
+        self.processes = []
+        self.environment = {
+            key: value for key, value in os.environ.items()
+            if key not in ("WAYLAND_DISPLAY", "XAUTHORITY", "SESSION_MANAGER", "DISPLAY",
+                           "QT_QPA_PLATFORM", "XDG_CURRENT_DESKTOP", "DESKTOP_SESSION")}
+        self.environment |= {
+            "HOME": str(self.home), "XDG_CONFIG_HOME": str(self.home / "config"),
+            "XDG_CACHE_HOME": str(self.home / "cache"), "XDG_DATA_HOME": str(self.home / "data"),
+            "XDG_RUNTIME_DIR": str(self.home), "XDG_SESSION_TYPE": "x11", "LC_ALL": "C.UTF-8",
+            "DBUS_SESSION_BUS_ADDRESS": f"unix:path={self.home}/bus"}
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        for process in reversed(self.processes):
+            self.end(process)
+        self.folder.cleanup()
+
+    def start(self, *command, log=None, **options):
+        name = log or pathlib.Path(command[0]).name
+        with open(self.logs / f"{name}.log", "ab") as output:
+            process = subprocess.Popen(
+                command, env=self.environment, stdin=subprocess.DEVNULL, stdout=output,
+                stderr=output, start_new_session=True, preexec_fn=_die_with_parent, **options)
+        self.processes.append(process)
+        return process
+
+    def end(self, process):
+        if process.poll() is None:
+            os.killpg(process.pid, signal.SIGTERM)
+            os.killpg(process.pid, signal.SIGCONT)
+            try:
+                process.wait(3)
+            except subprocess.TimeoutExpired:
+                os.killpg(process.pid, signal.SIGKILL)
+                process.wait()
+
+    def run(self, *command):
+        """What a short program prints; it must succeed."""
+        return subprocess.run(command, env=self.environment, check=True, text=True, timeout=PATIENCE,
+                              stdin=subprocess.DEVNULL, capture_output=True).stdout
+
+    def start_server(self):
+        reading, writing = os.pipe()
+        width, height = FRAMEBUFFER
+        self.start("Xvfb", "-displayfd", str(writing), "-screen", "0", f"{width}x{height}x24",
+                   "-nolisten", "tcp", "-noreset", "-dpi", "96", pass_fds=[writing])
+        os.close(writing)
+        with os.fdopen(reading) as numbers:
+            number = numbers.readline().strip()
+        if not number:
+            raise RuntimeError("Xvfb did not start, see " + str(self.logs / "Xvfb.log"))
+        self.environment["DISPLAY"] = ":" + number
+        for name in DISPLAYS:
+            self.plug(name)
+
+    def plug(self, name):
+        x, y, width, height = DISPLAYS[name]
+        # The server has one real output; the first display takes it.
+        output = "screen" if name == "LEFT" else "none"
+        millimetres = width * 254 // 960, height * 254 // 960
+        self.run("xrandr", "--setmonitor", name,
+                 f"{width}/{millimetres[0]}x{height}/{millimetres[1]}+{x}+{y}", output)
+
+    def start_session(self):
+        self.start("dbus-daemon", "--session", "--nofork", "--nopidfile",
+                   f"--address=unix:path={self.home}/bus")
+        wait_until((self.home / "bus").exists, "the session bus")
+        self.start("openbox", "--sm-disable")
+        wait_until(self._has_window_manager, "the window manager")
+
+    def _has_window_manager(self):
+        shown = subprocess.run(["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"], check=False,
+                               env=self.environment, capture_output=True, text=True)
+        return "window id" in shown.stdout
+
+    def find_window(self, title):
+        """The identifier of the visible window of exactly this title; None when there is none."""
+        found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", f"^{title}$"],
+                               check=False, env=self.environment, capture_output=True, text=True)
+        return found.stdout.split()[-1] if found.stdout.split() else None
+
+    def geometry(self, window):
+        """x, y, width, height of its content in root pixels."""
+        values = dict(line.split("=") for line in
+                      self.run("xdotool", "getwindowgeometry", "--shell", window).split())
+        return tuple(int(values[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))
+
+    def move_pointer(self, x, y):
+        self.run("xdotool", "mousemove", str(x), str(y))
