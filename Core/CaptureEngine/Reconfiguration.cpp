@@ -120,7 +120,7 @@ CaptureEngine::Reconfiguration::retarget(ContentFilter filter, StreamConfigurati
     if (isOvertaken())
         co_return overtaken();
     if (!configured || live->endedWith) {
-        m_progress = Progress::retargetedOnly;
+        m_progress = live->endedWith ? Progress::unchanged : Progress::retargetedOnly;
         co_return std::unexpected<CaptureError>(configured ? *live->endedWith : configured.error());
     }
     co_return Outcome();

@@ -23,7 +23,7 @@ private:
     using Outcome = std::expected<void, CaptureError>;
 
     enum class Progress : std::uint8_t {
-        /// The stream, if there is one, shows what it showed before.
+        /// The stream shows what it showed before, if it is still there.
         unchanged,
         /// The platform works on it: nobody can tell what the stream shows, or whether it runs.
         changing,

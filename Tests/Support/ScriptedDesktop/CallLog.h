@@ -16,6 +16,8 @@ public:
     /// What was added since the last `take`.
     [[nodiscard]] std::vector<std::string> take() { return std::exchange(m_calls, {}); }
 
+    void clear() { m_calls.clear(); }
+
     /// Adds "watch WHAT" now, and "unwatch WHAT" when the subscription ends.
     [[nodiscard]] Subscription watch(const std::string& what, Subscription subscription) {
         add("watch " + what);
