@@ -13,21 +13,16 @@ namespace {
 /// More than any EDID with its extension blocks has.
 constexpr std::uint32_t edidWords = 1024;
 
-/// What was asked about one output of a monitor.
-struct OutputQuestion {
-    xcb_randr_get_output_info_cookie_t info;
-    xcb_randr_get_output_property_cookie_t edid;
-};
-
 struct MonitorQuestion {
     xcb_randr_monitor_info_t info;
     xcb_get_atom_name_cookie_t name;
-    std::vector<OutputQuestion> outputs;
+    /// The EDID of each output.
+    std::vector<xcb_randr_get_output_property_cookie_t> edids;
 };
 
 struct MonitorAnswer {
     Monitor monitor;
-    /// The monitor's or connector's name, unique in the server.
+    /// The monitor's own name, unique in the server.
     std::string ownName;
     /// What the identifier is made of.
     std::string identity;
@@ -51,30 +46,11 @@ std::vector<MonitorQuestion> ask(Connection& connection) {
             xcb_randr_monitor_info_outputs(each.data),
             static_cast<std::size_t>(xcb_randr_monitor_info_outputs_length(each.data)));
         for (const auto output : outputs)
-            question.outputs.push_back(
-                {xcb_randr_get_output_info(connection.get(), output, XCB_CURRENT_TIME),
-                 xcb_randr_get_output_property(connection.get(), output, edid, XCB_ATOM_ANY, 0,
-                                               edidWords, 0, 0)});
+            question.edids.push_back(xcb_randr_get_output_property(
+                connection.get(), output, edid, XCB_ATOM_ANY, 0, edidWords, 0, 0));
         questions.push_back(std::move(question));
     }
     return questions;
-}
-
-void hearOutput(Connection& connection, const OutputQuestion& question, MonitorAnswer& answer) {
-    const auto info = connection.reply(xcb_randr_get_output_info_reply, question.info);
-    const auto edid = connection.reply(xcb_randr_get_output_property_reply, question.edid);
-    if (info)
-        answer.identity.append(
-            reinterpret_cast<const char*>(xcb_randr_get_output_info_name(info.get())),
-            static_cast<std::size_t>(xcb_randr_get_output_info_name_length(info.get())));
-    if (!edid || edid->format != 8)
-        return;
-    const std::span bytes(
-        xcb_randr_get_output_property_data(edid.get()),
-        static_cast<std::size_t>(xcb_randr_get_output_property_data_length(edid.get())));
-    answer.identity.append(bytes.begin(), bytes.end());
-    if (const auto name = edidDisplayName(bytes); name && answer.monitor.name.empty())
-        answer.monitor.name = *name;
 }
 
 MonitorAnswer hear(Connection& connection, const MonitorQuestion& question) {
@@ -85,10 +61,18 @@ MonitorAnswer hear(Connection& connection, const MonitorQuestion& question) {
     if (const auto name = connection.reply(xcb_get_atom_name_reply, question.name))
         answer.ownName.assign(xcb_get_atom_name_name(name.get()),
                               static_cast<std::size_t>(xcb_get_atom_name_name_length(name.get())));
-    for (const auto& output : question.outputs)
-        hearOutput(connection, output, answer);
-    if (answer.identity.empty())
-        answer.identity = answer.ownName;
+    answer.identity = answer.ownName;
+    for (const auto asked : question.edids) {
+        const auto edid = connection.reply(xcb_randr_get_output_property_reply, asked);
+        if (!edid || edid->format != 8)
+            continue;
+        const std::span bytes(
+            xcb_randr_get_output_property_data(edid.get()),
+            static_cast<std::size_t>(xcb_randr_get_output_property_data_length(edid.get())));
+        answer.identity.append(bytes.begin(), bytes.end());
+        if (answer.monitor.name.empty())
+            answer.monitor.name = edidDisplayName(bytes).value_or(std::string());
+    }
     if (answer.monitor.name.empty())
         answer.monitor.name = answer.ownName;
     return answer;

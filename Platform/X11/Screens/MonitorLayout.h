@@ -28,9 +28,10 @@ struct Monitor {
 /// The monitors now, the main one first, the rest in the server's own order. Empty when there is
 /// none or the connection is lost.
 ///
-/// An identifier is a hash of the connector's name and the display's EDID (of the monitor's name
-/// where no output is behind it), so that a saved choice survives a restart and means another
-/// display once another one is plugged in there. It is never 0 and unique in the list.
+/// An identifier is a hash of the monitor's own name (which is its connector's, unless the user has
+/// made monitors of his own) and the EDID of the display behind it, where there is one. A saved
+/// choice therefore survives a restart, and means another display once another one is plugged in
+/// there. It is never 0 and unique in the list.
 ///
 /// Waits for the server, a constant number of times.
 [[nodiscard]] std::vector<Monitor> readMonitors(Connection& connection);

@@ -1,6 +1,7 @@
 #include "Platform/X11/Workspace/ApplicationEnds.h"
 
-#include <algorithm>
+#include "Platform/Linux/Processes.h"
+
 #include <utility>
 
 namespace kestrove::x11 {
@@ -74,6 +75,9 @@ std::vector<ClientWindow> ApplicationEnds::newWindows() {
 }
 
 void ApplicationEnds::follow(ProcessID process) {
+    // A zombie has ended before, though its child may still show its windows.
+    if (!processStartTime(process))
+        return;
     auto end = ProcessEnd::watch(m_watching, process, [this, process] { onEnded(process); });
     if (!end)
         return;
