@@ -108,8 +108,13 @@ std::optional<std::vector<ClientWindow>> readClientList(Connection& connection) 
 
 xcb_window_t readActiveWindow(Connection& connection) {
     if (hasWindowManager(connection)) {
-        const auto active = rootWords(connection, "_NET_ACTIVE_WINDOW");
-        return active.empty() ? XCB_WINDOW_NONE : active.front();
+        const auto told = askProperty(connection, connection.root(), "_NET_ACTIVE_WINDOW");
+        const auto listed = askProperty(connection, connection.root(), "_NET_CLIENT_LIST");
+        const auto active = hearWord(connection, told);
+        const auto clients = hearWords(connection, listed);
+        // openbox goes on naming the last window it managed.
+        const bool isManaged = active && std::ranges::find(clients, *active) != clients.end();
+        return isManaged ? *active : XCB_WINDOW_NONE;
     }
     const auto focus =
         connection.reply(xcb_get_input_focus_reply, xcb_get_input_focus(connection.get()));

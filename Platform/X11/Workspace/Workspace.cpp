@@ -17,10 +17,17 @@ Workspace::Workspace(Connection& connection, DescriptorWatching& watching,
     m_events =
         connection.events.subscribe([this](const xcb_generic_event_t& event) { handle(event); });
     m_opened = connection.opened.subscribe([this] { lookSoon(); });
-    m_frontmost = frontmostApplication();
+    m_frontmost = readFrontmost();
 }
 
 std::optional<RunningApplication> Workspace::frontmostApplication() {
+    auto frontmost = readFrontmost();
+    if (!frontmost)
+        m_frontmost.reset();
+    return frontmost;
+}
+
+std::optional<RunningApplication> Workspace::readFrontmost() {
     const auto active = readActiveWindow(m_connection);
     if (active == XCB_WINDOW_NONE)
         return std::nullopt;
@@ -68,7 +75,8 @@ Subscription Workspace::onScreensWoke(Callback callback) {
 }
 
 void Workspace::handle(const xcb_generic_event_t& event) {
-    if (m_root.isChangeOf(event, "_NET_ACTIVE_WINDOW"))
+    if (m_root.isChangeOf(event, "_NET_ACTIVE_WINDOW") ||
+        m_root.isChangeOf(event, "_NET_CLIENT_LIST"))
         lookSoon();
 }
 
@@ -83,11 +91,11 @@ void Workspace::lookSoon() {
 }
 
 void Workspace::look() {
-    const auto before = std::exchange(m_frontmost, frontmostApplication());
-    if (m_frontmost && m_frontmost != before) {
-        const auto activated = *m_frontmost;
-        m_activated.emit(activated);
-    }
+    const auto frontmost = readFrontmost();
+    if (!frontmost || frontmost == m_frontmost)
+        return;
+    m_frontmost = frontmost;
+    m_activated.emit(*frontmost);
 }
 
 } // namespace kestrove::x11

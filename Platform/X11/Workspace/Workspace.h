@@ -33,6 +33,7 @@ public:
     Subscription onScreensWoke(Callback callback) override;
 
 private:
+    std::optional<RunningApplication> readFrontmost();
     void handle(const xcb_generic_event_t& event);
     void lookSoon();
     void look();
@@ -41,6 +42,9 @@ private:
     DescriptorWatching& m_watching;
     Applications& m_applications;
     RootSelection m_root;
+    /// The application that everybody takes for the frontmost one. Between two windows of one
+    /// application no window may be active for a moment: that is no change unless somebody has
+    /// asked and been told of it.
     std::optional<RunningApplication> m_frontmost;
     bool m_isLookQueued = false;
     std::unique_ptr<ApplicationEnds> m_ends;

@@ -1,6 +1,6 @@
 #include "Tests/Support/PollMainLoop/PollMainLoop.h"
 
-#include "Tests/Support/PollMainLoop/ThreadQueue.h"
+#include "Platform/Linux/ThreadSerialQueue.h"
 
 #include <algorithm>
 #include <cmath>
@@ -91,7 +91,7 @@ void PollMainLoop::schedule(const std::shared_ptr<TimerState>& timer, Seconds at
 }
 
 std::shared_ptr<SerialQueue> PollMainLoop::makeSerialQueue(std::string label) {
-    return std::make_shared<ThreadQueue>(std::move(label));
+    return std::make_shared<ThreadSerialQueue>(std::move(label));
 }
 
 bool PollMainLoop::isMainThread() const {
