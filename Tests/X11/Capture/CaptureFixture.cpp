@@ -1,5 +1,6 @@
 #include "Tests/X11/Capture/CaptureFixture.h"
 
+#include <cstdlib>
 #include <utility>
 
 namespace kestrove::test {
@@ -53,12 +54,21 @@ void CaptureDesktop::start(ContentFilter filter, StreamConfiguration configurati
                                                    });
                                                });
     EXPECT_TRUE(added);
-    run(startStream());
+    run(startStream(*stream));
     EXPECT_TRUE(m_outcome) << m_outcome.error().description;
 }
 
-Task<void> CaptureDesktop::startStream() {
-    m_outcome = co_await stream->startCapture();
+Task<void> CaptureDesktop::startStream(CaptureStream& started) {
+    m_outcome = co_await started.startCapture();
+}
+
+std::expected<void, PlatformError> CaptureDesktop::outcomeOfStarting(CaptureStream& other) {
+    run(startStream(other));
+    return m_outcome;
+}
+
+void CaptureDesktop::moveOutput(int x, int y) {
+    m_output->move(x, y);
 }
 
 void CaptureDesktop::retarget(ContentFilter filter) {
@@ -86,23 +96,47 @@ PixelImage CaptureDesktop::screen(const xcb_rectangle_t& part) const {
     return readPixels(desktop.connection(), desktop.root(), part);
 }
 
-testing::AssertionResult CaptureDesktop::outputBecomes(const PixelImage& expected,
-                                                       std::string_view name, int tolerance) {
-    const auto equals = [&] {
-        const auto actual = output();
-        if (actual.pixels.size() != expected.pixels.size())
-            return false;
-        for (std::size_t index = 0; index < actual.pixels.size(); ++index) {
-            if ((actual.pixels[index] ^ expected.pixels[index]) & 0xFFFFFFU)
+namespace {
+
+bool areAlike(const PixelImage& actual, const PixelImage& expected, int tolerance) {
+    if (actual.pixels.size() != expected.pixels.size())
+        return false;
+    const auto channel = [](std::uint32_t pixel, unsigned shift) {
+        return static_cast<int>((pixel >> shift) & 0xFFU);
+    };
+    for (std::size_t index = 0; index < actual.pixels.size(); ++index) {
+        for (const unsigned shift : {0U, 8U, 16U}) {
+            if (std::abs(channel(actual.pixels[index], shift) -
+                         channel(expected.pixels[index], shift)) > tolerance)
                 return false;
         }
-        return true;
-    };
-    if (tolerance == 0)
-        (void)loop.spinUntil(equals, Seconds(3));
-    else
-        settle();
+    }
+    return true;
+}
+
+} // namespace
+
+testing::AssertionResult CaptureDesktop::outputBecomes(const PixelImage& expected,
+                                                       std::string_view name, int tolerance) {
+    (void)loop.spinUntil([&] { return areAlike(output(), expected, tolerance); }, Seconds(3));
     return samePixels(output(), expected, name, tolerance);
+}
+
+testing::AssertionResult CaptureDesktop::outputBecomesScreen(const xcb_rectangle_t& part,
+                                                             std::string_view name) {
+    settleScreen(part);
+    return outputBecomes(screen(part), name);
+}
+
+void CaptureDesktop::settleScreen(const xcb_rectangle_t& part) {
+    auto seen = screen(part);
+    int quiet = 0;
+    (void)loop.spinUntil([&] {
+        auto now = screen(part);
+        quiet = now.pixels == seen.pixels ? quiet + 1 : 0;
+        seen = std::move(now);
+        return quiet > 10;
+    });
 }
 
 void CaptureDesktop::settle() {

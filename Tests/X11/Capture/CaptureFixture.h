@@ -30,9 +30,11 @@ public:
     void start(ContentFilter filter) { start(std::move(filter), configurationAt(60)); }
     void retarget(ContentFilter filter);
     void stop();
+    [[nodiscard]] std::expected<void, PlatformError> outcomeOfStarting(CaptureStream& other);
 
     /// The output window without a window manager, at this place of the root.
     void openOutput(const xcb_rectangle_t& geometry);
+    void moveOutput(int x, int y);
 
     [[nodiscard]] DisplayFilter display(std::size_t index, std::vector<WindowID> excluded = {});
 
@@ -40,6 +42,11 @@ public:
     /// good.
     [[nodiscard]] testing::AssertionResult outputBecomes(const PixelImage& expected,
                                                          std::string_view name, int tolerance = 0);
+    /// The same with what the screen shows at the moment.
+    [[nodiscard]] testing::AssertionResult outputBecomesScreen(const xcb_rectangle_t& part,
+                                                               std::string_view name);
+    /// Spins until the screen, which a compositor may still paint, stays as it is.
+    void settleScreen(const xcb_rectangle_t& part);
     /// Spins until no frame has come for a while of the server's own quiet.
     void settle();
     [[nodiscard]] PixelImage output() const;
@@ -59,7 +66,7 @@ public:
     std::vector<PlatformError> stops;
 
 private:
-    Task<void> startStream();
+    Task<void> startStream(CaptureStream& started);
     Task<void> retargetStream(ContentFilter filter);
     Task<void> stopStream();
     void run(Task<void> task);

@@ -1,47 +1,144 @@
 #include "Tests/X11/Capture/CaptureFixture.h"
 
+#include <algorithm>
+#include <string>
+
 namespace kestrove::test {
 namespace {
+
+struct Desk {
+    WindowManager windowManager;
+    Compositor compositor;
+    const char* name;
+};
+
+constexpr xcb_rectangle_t wholeLeft{0, 0, 1280, 800};
+/// The right half of the left display and the left half of the right one.
+constexpr xcb_rectangle_t acrossTheMiddle{640, 0, 1280, 800};
 
 TestWindow::Options patterned(const xcb_rectangle_t& geometry) {
     return {.geometry = geometry, .fill = WindowFill::pattern, .overrideRedirect = true};
 }
 
-constexpr xcb_rectangle_t wholeLeft{0, 0, 1280, 800};
+class DisplayCapture : public testing::TestWithParam<Desk> {
+protected:
+    [[nodiscard]] const std::string& displayName() { return test.desktop.displayName(); }
 
-TEST(DisplayCapture, EqualsTheDisplayOneToOne) {
-    CaptureDesktop test;
-    const TestWindow window(test.desktop.displayName(), patterned({100, 80, 500, 400}));
-    const TestWindow next(test.desktop.displayName(), patterned({1200, 100, 200, 200}));
+    /// What is on the left display now is what a capture has to show once the output lies on it.
+    void expectBeneath(std::string_view name) {
+        test.settleScreen(wholeLeft);
+        const auto clean = test.screen(wholeLeft);
+        test.openOutput(acrossTheMiddle);
+        test.start(test.display(0, {test.outputWindow()}));
+        EXPECT_TRUE(test.outputBecomes(clean, name));
+    }
+
+    CaptureDesktop test{XDesktop::Options{.windowManager = GetParam().windowManager,
+                                          .compositor = GetParam().compositor}};
+};
+
+INSTANTIATE_TEST_SUITE_P(Desks, DisplayCapture,
+                         testing::Values(Desk{WindowManager::none, Compositor::none, "Bare"},
+                                         Desk{WindowManager::openbox, Compositor::none, "Openbox"},
+                                         Desk{WindowManager::openbox, Compositor::picom,
+                                              "OpenboxAndPicom"}),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+TEST_P(DisplayCapture, EqualsTheDisplayAndFollowsItsChanges) {
+    TestWindow window(displayName(), patterned({100, 80, 500, 400}));
+    const TestWindow next(displayName(), patterned({1200, 100, 200, 200}));
     test.openOutput({1280, 0, 1280, 800});
     test.start(test.display(0));
-    EXPECT_TRUE(test.outputBecomes(test.screen(wholeLeft), "display"));
-}
-
-TEST(DisplayCapture, FollowsAChangeAndDrawsNothingElse) {
-    CaptureDesktop test;
-    TestWindow window(test.desktop.displayName(), patterned({100, 80, 500, 400}));
-    test.openOutput({1280, 0, 1280, 800});
-    test.start(test.display(0));
-    ASSERT_TRUE(test.outputBecomes(test.screen(wholeLeft), "before"));
+    ASSERT_TRUE(test.outputBecomesScreen(wholeLeft, "at first"));
     window.fillRectangle({10, 10, 50, 50}, 0xFF00FF00);
-    EXPECT_TRUE(test.outputBecomes(test.screen(wholeLeft), "drawn"));
+    EXPECT_TRUE(test.outputBecomesScreen(wholeLeft, "drawn"));
     window.move(300, 200);
-    EXPECT_TRUE(test.outputBecomes(test.screen(wholeLeft), "moved"));
+    EXPECT_TRUE(test.outputBecomesScreen(wholeLeft, "moved"));
+    window.unmap();
+    EXPECT_TRUE(test.outputBecomesScreen(wholeLeft, "unmapped"));
 }
 
-TEST(DisplayCapture, ShowsWhatLiesBeneathALeftOutWindow) {
-    CaptureDesktop test;
-    const TestWindow below(test.desktop.displayName(), patterned({50, 50, 600, 400}));
-    const auto clean = test.screen(wholeLeft);
-    test.openOutput({640, 0, 1280, 800});
+TEST_P(DisplayCapture, ShowsWhatLiesBeneathTheOutput) {
+    const TestWindow below(displayName(), patterned({50, 50, 700, 500}));
+    const TestWindow managed(
+        displayName(),
+        {.geometry = {700, 300, 300, 200}, .fill = WindowFill::pattern, .title = "managed"});
+    expectBeneath("beneath");
+}
+
+TEST_P(DisplayCapture, FollowsWhatChangesBeneathTheOutput) {
+    TestWindow below(displayName(), patterned({700, 50, 400, 500}));
+    test.settleScreen(wholeLeft);
+    auto expected = test.screen(wholeLeft);
+    test.openOutput(acrossTheMiddle);
     test.start(test.display(0, {test.outputWindow()}));
-    EXPECT_TRUE(test.outputBecomes(clean, "beneath"));
+    ASSERT_TRUE(test.outputBecomes(expected, "before"));
+    below.fillRectangle({10, 20, 30, 40}, 0xFFFF0000);
+    for (int y = 70; y < 110; ++y) {
+        for (int x = 710; x < 740; ++x)
+            expected.pixels[static_cast<std::size_t>(y * expected.width + x)] = 0xFFFF0000;
+    }
+    EXPECT_TRUE(test.outputBecomes(expected, "changed"));
 }
 
-TEST(DisplayCapture, CostsNothingWhileNothingChangesWithTheOutputOnTheDisplay) {
-    CaptureDesktop test;
-    const TestWindow below(test.desktop.displayName(), patterned({50, 50, 600, 400}));
+TEST_P(DisplayCapture, ComposesAShapedWindowBeneathTheOutput) {
+    const TestWindow bottom(displayName(), patterned({600, 50, 500, 500}));
+    TestWindow shaped(
+        displayName(),
+        {.geometry = {650, 100, 300, 300}, .color = 0xFFCC3300, .overrideRedirect = true});
+    shaped.setShape({{0, 0, 100, 100}, {150, 150, 150, 50}});
+    expectBeneath("shaped");
+}
+
+TEST_P(DisplayCapture, ComposesAnArgbWindowBeneathTheOutput) {
+    const TestWindow bottom(displayName(), patterned({600, 50, 500, 500}));
+    const TestWindow argb(displayName(), {.geometry = {650, 100, 300, 300},
+                                          .depth = 32,
+                                          .color = 0x80400010,
+                                          .overrideRedirect = true});
+    expectBeneath("argb");
+}
+
+TEST_P(DisplayCapture, ComposesATranslucentWindowBeneathTheOutput) {
+    const TestWindow bottom(displayName(), patterned({600, 50, 500, 500}));
+    const TestWindow translucent(displayName(), {.geometry = {650, 100, 300, 300},
+                                                 .color = 0xFF20C040,
+                                                 .overrideRedirect = true,
+                                                 .opacity = 0.5});
+    test.settleScreen(wholeLeft);
+    const auto clean = test.screen(wholeLeft);
+    test.openOutput(acrossTheMiddle);
+    test.start(test.display(0, {test.outputWindow()}));
+    // Compositors round an opacity in their own way.
+    EXPECT_TRUE(test.outputBecomes(clean, "translucent", 2));
+}
+
+TEST_P(DisplayCapture, KeepsWhatLiesAboveTheOutput) {
+    const TestWindow below(displayName(), patterned({600, 50, 500, 500}));
+    test.openOutput(acrossTheMiddle);
+    test.start(test.display(0, {test.outputWindow()}));
+    const TestWindow above(
+        displayName(),
+        {.geometry = {700, 300, 200, 100}, .color = 0xFF0055AA, .overrideRedirect = true});
+    EXPECT_TRUE(test.loop.spinUntil([&] { return test.output().pixel(750, 350) == 0xFF0055AA; }));
+    EXPECT_TRUE(test.loop.spinUntil(
+        [&] { return test.output().pixel(699, 350) == TestWindow::patternAt(99, 300); }));
+}
+
+TEST_P(DisplayCapture, FollowsTheOutputThatMovesOverTheDisplay) {
+    const TestWindow below(displayName(), patterned({50, 50, 1100, 600}));
+    test.settleScreen(wholeLeft);
+    const auto clean = test.screen(wholeLeft);
+    test.openOutput({1280, 0, 1280, 800});
+    test.start(test.display(0, {test.outputWindow()}));
+    for (const int x : {900, 400, 0, 700}) {
+        test.moveOutput(x, 0);
+        EXPECT_TRUE(test.outputBecomes(clean, "moved to " + std::to_string(x)));
+    }
+}
+
+TEST_P(DisplayCapture, CostsNothingWhileNothingChanges) {
+    const TestWindow below(displayName(), patterned({50, 50, 600, 400}));
     test.openOutput({200, 150, 640, 400});
     test.start(test.display(0, {test.outputWindow()}));
     test.settle();
@@ -51,6 +148,62 @@ TEST(DisplayCapture, CostsNothingWhileNothingChangesWithTheOutputOnTheDisplay) {
     EXPECT_FALSE(test.loop.spinUntil([&] { return events > 0; }, Seconds(1)));
     EXPECT_EQ(test.frames, before);
     EXPECT_EQ(events, 0);
+}
+
+TEST_P(DisplayCapture, NeverLetsTheNeighbourIn) {
+    const TestWindow left(
+        displayName(),
+        {.geometry = {0, 0, 1280, 800}, .color = 0xFF0000FF, .overrideRedirect = true});
+    const TestWindow right(
+        displayName(),
+        {.geometry = {1280, 0, 1280, 800}, .color = 0xFFFF0000, .overrideRedirect = true});
+    test.openOutput({1500, 100, 701, 443});
+    test.start(test.display(0));
+    EXPECT_TRUE(test.loop.spinUntil([&] { return test.output().pixel(350, 200) == 0xFF0000FF; }));
+    const auto output = test.output();
+    for (int y = 0; y < output.height; ++y) {
+        for (int x = 0; x < output.width; ++x)
+            ASSERT_EQ(output.pixel(x, y) & 0xFF0000U, 0U) << x << ' ' << y;
+    }
+}
+
+TEST_P(DisplayCapture, ShowsTheCursorWhereItPoints) {
+    const TestWindow below(
+        displayName(),
+        {.geometry = {0, 0, 1280, 800}, .color = 0xFFFFFFFF, .overrideRedirect = true});
+    test.desktop.server().movePointer(400, 300);
+    test.settleScreen(wholeLeft);
+    test.openOutput({1280, 0, 1280, 800});
+    test.start(test.display(0), CaptureDesktop::configurationAt(60, true));
+    const auto isDrawnAround = [&](int x, int y) {
+        const auto near = test.output().part(x - 16, y - 16, 32, 32);
+        return std::ranges::count(near.pixels, 0xFFFFFFFFU) < 32 * 32;
+    };
+    EXPECT_TRUE(test.loop.spinUntil([&] { return isDrawnAround(400, 300); }));
+    test.desktop.server().movePointer(700, 500);
+    EXPECT_TRUE(
+        test.loop.spinUntil([&] { return isDrawnAround(700, 500) && !isDrawnAround(400, 300); }));
+    test.desktop.server().movePointer(1800, 500);
+    EXPECT_TRUE(test.loop.spinUntil([&] { return !isDrawnAround(700, 500); }));
+}
+
+TEST_P(DisplayCapture, ReportsThatItsDisplayHasGone) {
+    test.openOutput({1280, 0, 600, 400});
+    test.start(test.display(1, {test.outputWindow()}));
+    test.settle();
+    test.desktop.server().removeMonitor(twoMonitors().at(1).name);
+    EXPECT_TRUE(test.loop.spinUntil([&] { return !test.stops.empty(); }));
+    EXPECT_EQ(test.stops.size(), 1U);
+}
+
+TEST_P(DisplayCapture, ReportsThatTheServerHasGoneAndLives) {
+    test.openOutput({1280, 0, 600, 400});
+    test.start(test.display(0));
+    test.settle();
+    test.desktop.server().kill();
+    EXPECT_TRUE(test.loop.spinUntil([&] { return !test.stops.empty(); }));
+    EXPECT_EQ(test.layer->status(), DisplayLayerStatus::failed);
+    test.layer->flush();
 }
 
 } // namespace
