@@ -11,6 +11,7 @@
 
 #include <fmt/core.h>
 #include <gtest/gtest.h>
+#include <xcb/composite.h>
 
 namespace kestrove::test {
 
@@ -119,7 +120,26 @@ bool XDesktop::hasWindowManager() const {
 bool XDesktop::hasCompositor() const {
     const auto cookie = xcb_get_selection_owner(connection(), m_server.atom("_NET_WM_CM_S0"));
     const Reply reply(xcb_get_selection_owner_reply(connection(), cookie, nullptr));
-    return reply && reply->owner != XCB_WINDOW_NONE;
+    // picom says so before it takes the windows over: only then the screen is its own.
+    return reply && reply->owner != XCB_WINDOW_NONE && redirectsWindows();
+}
+
+bool XDesktop::redirectsWindows() const {
+    const std::uint32_t overrideRedirect = 1;
+    const auto window = xcb_generate_id(connection());
+    const auto pixmap = xcb_generate_id(connection());
+    xcb_create_window(connection(), XCB_COPY_FROM_PARENT, window, root(), 0, 0, 1, 1, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_OVERRIDE_REDIRECT,
+                      &overrideRedirect);
+    xcb_map_window(connection(), window);
+    // Only a redirected window has a pixmap to name.
+    const Reply<xcb_generic_error_t> error(xcb_request_check(
+        connection(), xcb_composite_name_window_pixmap_checked(connection(), window, pixmap)));
+    if (!error)
+        xcb_free_pixmap(connection(), pixmap);
+    xcb_destroy_window(connection(), window);
+    sync(connection());
+    return !error;
 }
 
 void XDesktop::waitForProgram(ChildProcess& program, bool (XDesktop::*isReady)() const) {

@@ -58,6 +58,7 @@ private:
     void startSessionBus();
     [[nodiscard]] bool hasWindowManager() const;
     [[nodiscard]] bool hasCompositor() const;
+    [[nodiscard]] bool redirectsWindows() const;
     void waitForProgram(ChildProcess& program, bool (XDesktop::*isReady)() const);
     void printLogs() const;
 
