@@ -19,8 +19,8 @@ namespace kestrove {
 ///
 /// Everything that suspends runs in tasks, which interleave at their awaits only. Two numbers keep
 /// them apart. Each session has one: what is left of an ended session does not touch the next one.
-/// Each switch and each wait has one: the latest of them decides what the output shows, however
-/// late the earlier ones come back from the engine.
+/// Each switch, wait and safe stop has one: the latest of them decides what the output shows,
+/// however late the earlier ones come back from the engine.
 ///
 /// Failures never leave the controller: they become a session state.
 ///
@@ -120,12 +120,14 @@ private:
     [[nodiscard]] Task<void> stopSafely(CaptureSessionState end);
 
     // Switching.cpp: moving the stream.
+    std::uint64_t beginOutputRequest();
     [[nodiscard]] bool isCurrent(std::uint64_t outputRequest) const {
         return outputRequest == m_outputRequest && isSessionActive();
     }
     [[nodiscard]] Task<void> switchTo(CaptureSource source, Fallback fallback);
     [[nodiscard]] Task<void> waitForSource();
     [[nodiscard]] Task<void> settleOvertakenStream();
+    [[nodiscard]] Task<void> restoreRunningStream();
     void presentSource(CaptureSource source, Size pixelSize);
 
     // Recovery.cpp: failed switches and dead streams.
@@ -171,8 +173,9 @@ private:
     Published<std::optional<CaptureSource>> m_activeSource{std::nullopt};
 
     SessionNumber m_sessionNumber = 0;
-    /// The latest switch or wait.
+    /// The latest switch, wait or safe stop, and whether it has done what it was for.
     std::uint64_t m_outputRequest = 0;
+    bool m_isOutputSettled = false;
     /// The latest wish of the follow mode that was launched.
     std::uint64_t m_followRequest = 0;
     /// The mode as last announced: inside its announcement the settings still hold the old one.

@@ -26,7 +26,7 @@ void AppController::start() {
 
 void AppController::beginSession() {
     ++m_sessionNumber;
-    ++m_outputRequest;
+    beginOutputRequest();
     ++m_followRequest;
     m_isFollowing = false;
     m_isHandlingSourceFailure = false;
@@ -70,6 +70,8 @@ Task<void> AppController::runStop() {
     co_await m_with.captureEngine.stop();
     if (m_sessionState.get() == CaptureSessionState::stopping())
         m_sessionState.set(CaptureSessionState::stopped());
+    else
+        co_await restoreRunningStream();
 }
 
 void AppController::refreshIdlePermissionState() {
@@ -103,11 +105,18 @@ Task<void> AppController::stopSafely(CaptureSessionState end) {
     const auto session = m_sessionNumber;
     stopSourceTracking();
     cancelSourceRefresh();
+    // A switch on its way must not show anything any more.
+    beginOutputRequest();
     presentSafeOutput();
     co_await m_with.captureEngine.stop();
     // Whoever ended the session meanwhile, the user above all, has decided how it ends.
-    if (!isActive(session))
+    if (!isActive(session)) {
+        co_await restoreRunningStream();
         co_return;
+    }
+    // What the user picked meanwhile may have come to be shown.
+    if (m_activeSource.get())
+        presentSafeOutput();
     m_sessionState.set(end);
     if (const auto permission = end.permission())
         m_permissionStatus.set(*permission);

@@ -30,8 +30,10 @@ Task<void> AppController::recoverFromSwitchFailure(CaptureError error, CaptureSo
     stopSourceTracking();
     cancelSourceRefresh();
     co_await m_with.captureEngine.stop();
-    if (session != m_sessionNumber)
+    if (session != m_sessionNumber) {
+        co_await restoreRunningStream();
         co_return;
+    }
     presentSafeOutput();
 
     const auto permission = m_with.permissionAccess.current();

@@ -1,16 +1,20 @@
 #include "Core/AppController/AppController.h"
 
-#include <algorithm>
-
 namespace kestrove {
+
+std::uint64_t AppController::beginOutputRequest() {
+    m_isOutputSettled = false;
+    return ++m_outputRequest;
+}
 
 Task<void> AppController::switchTo(CaptureSource source, Fallback fallback) {
     if (m_isHandlingSourceFailure && fallback == Fallback::allowed)
         co_return;
     if (!isSessionActive())
         co_return;
-    const auto request = ++m_outputRequest;
+    const auto request = beginOutputRequest();
     if (m_activeSource.get() == source && m_with.captureEngine.currentSource() == source) {
+        m_isOutputSettled = true;
         m_sessionState.set(CaptureSessionState::running());
         co_return;
     }
@@ -38,19 +42,21 @@ void AppController::presentSource(CaptureSource source, Size pixelSize) {
     }
     m_activeSource.set(source);
     m_with.activeOverlay.show(source);
+    m_isOutputSettled = true;
     m_sessionState.set(CaptureSessionState::running());
 }
 
 Task<void> AppController::waitForSource() {
     if (!isSessionActive())
         co_return;
-    const auto request = ++m_outputRequest;
+    const auto request = beginOutputRequest();
     co_await m_with.captureEngine.stop();
     if (!isCurrent(request)) {
         co_await settleOvertakenStream();
         co_return;
     }
     presentSafeOutput();
+    m_isOutputSettled = true;
     m_sessionState.set(CaptureSessionState::waitingForSource());
 }
 
@@ -60,8 +66,14 @@ Task<void> AppController::waitForSource() {
 Task<void> AppController::settleOvertakenStream() {
     if (!isSessionActive() || m_sessionState.get() == CaptureSessionState::waitingForSource())
         co_await m_with.captureEngine.stop();
+    co_await restoreRunningStream();
+}
+
+/// Something of the past came back from the engine. If it took the stream away from the session
+/// that runs now, the session moves it back.
+Task<void> AppController::restoreRunningStream() {
     const auto source = m_activeSource.get();
-    if (m_sessionState.get() == CaptureSessionState::running() && source &&
+    if (m_sessionState.get() == CaptureSessionState::running() && m_isOutputSettled && source &&
         m_with.captureEngine.currentSource() != source)
         co_await switchTo(*source, Fallback::allowed);
 }

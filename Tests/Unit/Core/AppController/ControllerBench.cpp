@@ -40,6 +40,10 @@ std::ostream& operator<<(std::ostream& out, CaptureSessionState state) {
     return out << nameOf(state);
 }
 
+std::ostream& operator<<(std::ostream& out, CaptureSource source) {
+    return out << nameOf(source);
+}
+
 ControllerBench::ControllerBench() {
     screens.add({0, 0, 1920, 1080}, 1);
     screens.add({1920, 0, 1920, 1080}, 2);

@@ -25,6 +25,7 @@ inline const WindowOwnerIdentity editor{50, "org.example.editor"};
 [[nodiscard]] std::string nameOf(CaptureSessionState state);
 /// As test failures print it.
 std::ostream& operator<<(std::ostream& out, CaptureSessionState state);
+std::ostream& operator<<(std::ostream& out, CaptureSource source);
 
 /// A controller with everything it works with in memory, on a virtual clock: two displays side by
 /// side, 1 with the pointer on it and 2 to the right of it, and two windows.
