@@ -52,8 +52,9 @@ TEST(CaptureSessionState, HasItsStatusAndItsGuidance) {
 
 TEST(CaptureSessionState, GuidanceEndsWithAnIdeographicFullStop) {
     for (const auto& row : allStates()) {
-        if (const auto guidance = recoveryGuidance(row.state))
+        if (const auto guidance = recoveryGuidance(row.state)) {
             EXPECT_TRUE(guidance->ends_with("\u3002")) << *guidance;
+        }
     }
 }
 
