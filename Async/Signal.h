@@ -31,10 +31,14 @@ public:
     [[nodiscard]] Subscription subscribe(Callback callback) {
         auto entry = std::make_shared<Entry>(std::move(callback));
         m_list->entries.push_back(entry);
-        return Subscription([entry, list = std::weak_ptr(m_list)] {
-            entry->isActive = false;
+        // Weak, so that a subscription that outlives the signal does not keep the callback.
+        return Subscription([weak = std::weak_ptr(entry), list = std::weak_ptr(m_list)] {
+            const auto ended = weak.lock();
+            if (!ended)
+                return;
+            ended->isActive = false;
             if (const auto alive = list.lock())
-                std::erase(alive->entries, entry);
+                std::erase(alive->entries, ended);
         });
     }
 

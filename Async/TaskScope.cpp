@@ -1,5 +1,7 @@
 #include "Async/TaskScope.h"
 
+#include <atomic>
+#include <cstdint>
 #include <utility>
 #include <vector>
 
@@ -7,6 +9,10 @@ namespace kestrove {
 
 struct TaskScope::State {
     std::vector<std::shared_ptr<TaskContext>> contexts;
+    /// Counts the calls of `cancelAll`: what was posted before the last one is dropped. Read where
+    /// `post` is called, which may be any thread.
+    std::atomic<std::uint64_t> generation = 0;
+    bool hasEnded = false;
 };
 
 TaskScope::TaskScope(MainLoop& loop)
@@ -14,10 +20,14 @@ TaskScope::TaskScope(MainLoop& loop)
     , m_state(std::make_shared<State>()) {}
 
 TaskScope::~TaskScope() {
+    m_state->hasEnded = true;
     cancelAll();
 }
 
 void TaskScope::launch(Task<void> task) {
+    // What ends with the scope may try to launch something else: that ends here.
+    if (m_state->hasEnded)
+        return;
     const auto frame = task.release();
     auto context = std::make_shared<TaskContext>(frame);
     frame.promise().context = context.get();
@@ -35,16 +45,19 @@ void TaskScope::launch(Task<void> task) {
 }
 
 void TaskScope::post(Operation operation) {
-    m_loop.post([alive = std::weak_ptr(m_state), run = std::move(operation)]() mutable {
-        if (alive.lock())
+    m_loop.post([state = std::weak_ptr(m_state), generation = m_state->generation.load(),
+                 run = std::move(operation)]() mutable {
+        const auto scope = state.lock();
+        if (scope && scope->generation == generation)
             run();
     });
 }
 
 void TaskScope::cancelAll() {
-    // A fresh state first: what ends here may come back to launch something else.
-    const auto ended = std::exchange(m_state, std::make_shared<State>());
-    for (const auto& context : std::exchange(ended->contexts, {}))
+    // Kept: what ends here may come back to launch something else, or destroy the scope.
+    const auto state = m_state;
+    ++state->generation;
+    for (const auto& context : std::exchange(state->contexts, {}))
         context->abandon();
 }
 

@@ -38,7 +38,8 @@ private:
     struct State;
 
     MainLoop& m_loop;
-    std::shared_ptr<State> m_state;
+    /// Never another one: `post` reads it from other threads.
+    const std::shared_ptr<State> m_state;
 };
 
 } // namespace kestrove
