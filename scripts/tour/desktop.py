@@ -78,8 +78,11 @@ class Desktop:
 
     def run(self, *command):
         """What a short program prints; it must succeed."""
-        return subprocess.run(command, env=self.environment, check=True, text=True, timeout=PATIENCE,
-                              stdin=subprocess.DEVNULL, capture_output=True).stdout
+        done = subprocess.run(command, env=self.environment, check=False, text=True,
+                              timeout=PATIENCE, stdin=subprocess.DEVNULL, capture_output=True)
+        if done.returncode != 0:
+            raise RuntimeError(f"{command[0]}: {done.stderr.strip() or done.returncode}")
+        return done.stdout
 
     def start_server(self):
         reading, writing = os.pipe()

@@ -1,0 +1,126 @@
+"""The desktop of the tour with Kestrove on it, and what a user does there."""
+
+import os
+import signal
+
+import pixels
+from desktop import DISPLAYS, wait_until
+
+CURSOR = 40  # pixels to each side of the pointer in which its picture may lie
+
+# Something that moves on each display: (name, command, where xterm and clock go).
+SCROLLING = ("n=0; while :; do n=$((n + 1)); "
+             "printf '%6d  the quick brown fox jumps over the lazy dog\\n' $n; sleep 0.1; done")
+
+
+def _terminal(title, place, text=SCROLLING):
+    return ("xterm", "-title", title, "-fa", "DejaVu Sans Mono", "-fs", "11", "-bg", "#10202c",
+            "-fg", "#d8e6ee", "-geometry", place, "-e", "sh", "-c", text)
+
+
+class Session:
+    def __init__(self, desktop, program):
+        self.desktop = desktop
+        self.program = program
+        self.pointer = (0, 0)
+        self.moving = {"LEFT": [], "RIGHT": []}
+        self.kestrove = None
+        self.window = None
+
+    # Programs.
+
+    def start_programs(self):
+        start = self.desktop.start
+        self.moving["LEFT"] = [
+            start(*_terminal("display 1", "72x24+330+60"), log="xterm-1"),
+            start("xclock", "-update", "1", "-geometry", "220x220+50+60", log="xclock-1"),
+            start("xeyes", "-geometry", "220x150+50+360", log="xeyes-1")]
+        self.moving["RIGHT"] = [
+            start(*_terminal("display 2", "80x30+1480+120"), log="xterm-2"),
+            start("xclock", "-update", "1", "-geometry", "300x300+2480+560", log="xclock-2")]
+        for name in ("display 1", "display 2", "xclock", "xeyes"):
+            wait_until(lambda name=name: self.desktop.find_window(name), f"the window {name}")
+
+    def freeze(self, *displays):
+        """Stops what moves there, and returns when the picture has come to rest."""
+        for display in displays:
+            self._signal(display, signal.SIGSTOP)
+        last = [self.screen()]
+
+        def rests():
+            before, last[0] = last[0], self.screen()
+            return all(before.cut(*DISPLAYS[each]).data == last[0].cut(*DISPLAYS[each]).data
+                       for each in displays)
+        wait_until(rests, "the programs to stand still")
+
+    def thaw(self, *displays):
+        for display in displays:
+            self._signal(display, signal.SIGCONT)
+
+    def _signal(self, display, number):
+        for process in self.moving[display]:
+            if process.poll() is None:
+                os.killpg(process.pid, number)
+
+    # Pictures.
+
+    def screen(self):
+        return pixels.take(self.desktop.environment)
+
+    def display(self, name, screen=None):
+        return (screen or self.screen()).cut(*DISPLAYS[name])
+
+    def output(self, screen=None):
+        """What the output window shows, as far as it is on the screen."""
+        return (screen or self.screen()).cut(*self.desktop.geometry(self.window))
+
+    def pointer_hole(self, display, size):
+        """Where the pointer's picture lies in an output of `size` that shows `display`."""
+        left, top, width, height = DISPLAYS[display]
+        across, down = size[0] / width, size[1] / height
+        x, y = (self.pointer[0] - left) * across, (self.pointer[1] - top) * down
+        half = CURSOR * max(across, down)
+        return int(x - half), int(y - half), int(2 * half), int(2 * half)
+
+    # Kestrove and its window.
+
+    def start_kestrove(self, settings):
+        folder = self.desktop.home / "config" / "kestrove"
+        folder.mkdir(parents=True, exist_ok=True)
+        text = "".join(f"{key}={value}\n" for key, value in settings.items())
+        (folder / "kestrove.conf").write_text(text, encoding="utf-8")
+        self.kestrove = self.desktop.start(self.program)
+        self.window = wait_until(self._output_window, "the window titled kestrove")
+
+    def _output_window(self):
+        if self.kestrove.poll() is not None:
+            raise RuntimeError(f"kestrove ended with exit code {self.kestrove.returncode}")
+        return self.desktop.find_window("kestrove")
+
+    def place_output(self, x, y, width, height):
+        """Its frame's corner and its content's size, by the window manager."""
+        run = self.desktop.run
+        run("xdotool", "windowsize", self.window, str(width), str(height))
+        run("xdotool", "windowmove", self.window, str(x), str(y))
+        wait_until(lambda: self.desktop.geometry(self.window)[2:] == (width, height) and
+                   self._is_near(x, y), f"the output window at {x},{y} with {width}x{height}")
+
+    def _is_near(self, x, y):
+        left, top, _, _ = self.desktop.geometry(self.window)
+        return 0 <= left - x <= 60 and 0 <= top - y <= 60
+
+    def press(self, *keys):
+        """In the output window. The keyboard, because the pointer has its own work here."""
+        self.desktop.run("xdotool", "windowactivate", "--sync", self.window)
+        self.desktop.run("xdotool", "key", *keys)
+
+    def choose_in_menu(self, entry):
+        """The entry of this number (from 1) of the output window's menu."""
+        before = self.screen().data
+        self.press("Menu")
+        wait_until(lambda: self.screen().data != before, "the menu")
+        self.desktop.run("xdotool", "key", *["Down"] * entry, "Return")
+
+    def move_pointer(self, x, y):
+        self.pointer = (x, y)
+        self.desktop.move_pointer(x, y)

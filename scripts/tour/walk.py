@@ -1,0 +1,179 @@
+"""The stops, in order. Each does something a user does and compares what the output window shows
+with what the display shows, on one picture of the screen, while nothing moves."""
+
+import time
+
+import pixels
+from desktop import DISPLAYS, wait_until
+
+# Content of the output window on display 2: display 1 pixel by pixel.
+FULL = (1320, 40, 1280, 800)
+# And on display 1: half of it.
+HALF = (560, 320, 640, 400)
+SETTLES_WITHIN = 5.0
+
+
+class Walk:
+    def __init__(self, session, report):
+        self.session = session
+        self.report = report
+
+    # What was seen.
+
+    def _settled(self, matches):
+        """Until `matches(screen)` says so, or for some seconds: its last word and the picture."""
+        end = time.monotonic() + SETTLES_WITHIN
+        while True:
+            screen = self.session.screen()
+            passed, seen = matches(screen)
+            if passed or time.monotonic() > end:
+                return passed, seen, screen
+
+    def _equals(self, display, reference=None):
+        """Pixel by pixel but for the pointer, which only the output has. A `reference` is what the
+        display showed while nothing of ours lay on it."""
+        def matches(screen):
+            output = self.session.output(screen)
+            source = reference or self.session.display(display, screen)
+            hole = self.session.pointer_hole(display, (output.width, output.height))
+            count = pixels.differing_pixels(output, source, [hole])
+            pointer = pixels.differing_pixels(output, source) > count
+            size = f"{output.width}x{output.height}"
+            return count == 0 and pointer, (
+                f"{size}, {count} pixels differ, pointer {'there' if pointer else 'MISSING'}")
+        return self._settled(matches)
+
+    def _equals_scaled(self, display, reference):
+        def matches(screen):
+            output = self.session.output(screen)
+            hole = self.session.pointer_hole(display, (output.width, output.height))
+            wrong = pixels.scaled_difference(reference, output, [hole])
+            seen = f"{output.width}x{output.height}, {100 * wrong:.2f} % of the scaled pixels differ"
+            return wrong < 0.001, seen
+        return self._settled(matches)
+
+    def _is_placeholder(self, screen):
+        """Black but for the text in its middle."""
+        output = self.session.output(screen)
+        dark = pixels.dark_share(output)
+        return 0.9 < dark < 1, f"{100 * dark:.1f} % black with text on it"
+
+    # What is done.
+
+    def everything(self):
+        beneath = self._before_kestrove()
+        self.share_display_1()
+        self.keep_up()
+        self.pointer_to_display_2(beneath)
+        self.pointer_back()
+        self.output_on_shared_display()
+        self.kill_a_program()
+        self.stop()
+        self.start()
+        self.unplug_the_shared_display()
+        self.start_again()
+
+    def _before_kestrove(self):
+        """Display 2 as it is without the output window; it stays so until the pointer has been
+        there. No window of it has the focus, which would show in its frame."""
+        session = self.session
+        session.move_pointer(640, 300)
+        session.desktop.run("xdotool", "windowactivate", "--sync",
+                            session.desktop.find_window("display 1"))
+        session.freeze("RIGHT")
+        return session.display("RIGHT")
+
+    def share_display_1(self):
+        session = self.session
+        session.start_kestrove({"kestrove.autoStart": "true", "kestrove.followMode": "mouse"})
+        session.place_output(*FULL)
+        session.freeze("LEFT")
+        passed, seen, screen = self._equals("LEFT")
+        other = pixels.differing_pixels(session.output(screen), session.display("RIGHT", screen).cut(
+            0, 0, *FULL[2:]))
+        self.report.stop("share-display-1", "start with the pointer on display 1",
+                         f"{seen} ({other} from display 2)", passed and other > 100000, screen)
+        session.thaw("LEFT")
+
+    def keep_up(self):
+        session = self.session
+        before = session.output()
+        wait_until(lambda: pixels.differing_pixels(session.output(), before) > 2000,
+                   "the output to move")
+        session.freeze("LEFT")
+        passed, seen, screen = self._equals("LEFT")
+        moved = pixels.differing_pixels(session.output(screen), before)
+        self.report.stop("keep-up", "let the programs run, then hold them",
+                         f"{seen} ({moved} from before)", passed and moved > 2000, screen)
+
+    def pointer_to_display_2(self, beneath):
+        self.session.move_pointer(1280 + 1500, 950)
+        passed, seen, screen = self._equals_scaled("RIGHT", beneath)
+        self.report.stop("pointer-to-display-2",
+                         "pointer to display 2, where the output itself lies",
+                         f"{seen} from what lies beneath", passed, screen)
+
+    def pointer_back(self):
+        session = self.session
+        session.thaw("RIGHT")
+        session.move_pointer(200, 700)
+        session.place_output(*FULL)
+        passed, seen, screen = self._equals("LEFT")
+        self.report.stop("pointer-back", "pointer back to display 1", seen, passed, screen)
+
+    def output_on_shared_display(self):
+        session = self.session
+        beneath = session.display("LEFT")
+        session.place_output(*HALF)
+        passed, seen, screen = self._equals_scaled("LEFT", beneath)
+        self.report.stop("output-on-shared-display", "output window onto display 1",
+                         f"{seen} from what lies beneath", passed, screen)
+
+    def kill_a_program(self):
+        session = self.session
+        session.place_output(*FULL)
+        before = session.display("LEFT")
+        session.desktop.end(session.moving["LEFT"][0])
+        wait_until(lambda: not session.desktop.find_window("display 1"), "the terminal to go")
+        passed, seen, screen = self._equals("LEFT")
+        gone = pixels.differing_pixels(session.display("LEFT", screen), before)
+        self.report.stop("kill-a-program", "kill the terminal on display 1",
+                         f"{seen} ({gone} with the terminal)", passed and gone > 100000, screen)
+
+    def stop(self):
+        session = self.session
+        session.choose_in_menu(1)
+        session.thaw("LEFT")
+        session.move_pointer(400, 400)
+        self._let_display_1_move()
+        shown = session.output()
+        self._let_display_1_move()
+        screen = session.screen()
+        count = pixels.differing_pixels(session.output(screen), shown)
+        self.report.stop("stop", "stop from the window's menu, let display 1 move on",
+                         f"{count} pixels of the output have changed", count == 0, screen)
+
+    def _let_display_1_move(self):
+        before = self.session.display("LEFT")
+        wait_until(lambda: pixels.differing_pixels(self.session.display("LEFT"), before) > 500,
+                   "display 1 to move")
+
+    def start(self):
+        session = self.session
+        session.press("space")
+        session.freeze("LEFT")
+        passed, seen, screen = self._equals("LEFT")
+        self.report.stop("start", "start with the space key", seen, passed, screen)
+
+    def unplug_the_shared_display(self):
+        self.session.desktop.run("xrandr", "--delmonitor", "LEFT")
+        passed, seen, screen = self._settled(self._is_placeholder)
+        self.report.stop("unplug", "pull out the shared display", seen, passed, screen)
+
+    def start_again(self):
+        session = self.session
+        session.desktop.plug("LEFT")
+        session.press("space")
+        session.place_output(*FULL)
+        passed, seen, screen = self._equals("LEFT")
+        self.report.stop("start-again", "plug it in and start again", seen, passed, screen)
