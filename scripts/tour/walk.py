@@ -155,7 +155,7 @@ class Walk:
 
     def _let_display_1_move(self):
         before = self.session.display("LEFT")
-        wait_until(lambda: pixels.differing_pixels(self.session.display("LEFT"), before) > 500,
+        wait_until(lambda: pixels.differing_pixels(self.session.display("LEFT"), before) > 100,
                    "display 1 to move")
 
     def start(self):
