@@ -75,6 +75,7 @@ class RulesTest(unittest.TestCase):
             self.assertEqual(found(rules.words, ("docs/A.md", [line])), [("docs/A.md", 1)], line)
         for line in ("the two parts", "a special case", "a network/work/home", "/usr/bin"):
             self.assertEqual(found(rules.words, ("docs/A.md", [line])), [], line)
+        self.assertEqual(found(rules.words, ("Tests/Unit/A.cpp", ['("/home/me")'])), [])
 
 
 if __name__ == "__main__":

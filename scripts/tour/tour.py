@@ -31,7 +31,8 @@ def write_wallpaper(path):
                 row[:3 * border] = bytes(3 * border)
             first = 0 if y < DISPLAYS["LEFT"][3] else border
             for x in range(first, width, 40 if y % 40 else 1):
-                row[3 * x: 3 * x + 3] = bytes(min(255, value + 14) for value in row[3 * x: 3 * x + 3])
+                brighter = (value + 14 for value in row[3 * x: 3 * x + 3])
+                row[3 * x: 3 * x + 3] = bytes(brighter)
             file.write(row)
 
 

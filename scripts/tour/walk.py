@@ -48,8 +48,8 @@ class Walk:
             output = self.session.output(screen)
             hole = self.session.pointer_hole(display, (output.width, output.height))
             wrong = pixels.scaled_difference(reference, output, [hole])
-            seen = f"{output.width}x{output.height}, {100 * wrong:.2f} % of the scaled pixels differ"
-            return wrong < 0.001, seen
+            size = f"{output.width}x{output.height}"
+            return wrong < 0.001, f"{size}, {100 * wrong:.2f} % of the scaled pixels differ"
         return self._settled(matches)
 
     def _is_placeholder(self, screen):
@@ -89,8 +89,8 @@ class Walk:
         session.place_output(*FULL)
         session.freeze("LEFT")
         passed, seen, screen = self._equals("LEFT")
-        other = pixels.differing_pixels(session.output(screen), session.display("RIGHT", screen).cut(
-            0, 0, *FULL[2:]))
+        other_display = session.display("RIGHT", screen).cut(0, 0, *FULL[2:])
+        other = pixels.differing_pixels(session.output(screen), other_display)
         self.report.stop("share-display-1", "start with the pointer on display 1",
                          f"{seen} ({other} from display 2)", passed and other > 100000, screen)
         session.thaw("LEFT")
