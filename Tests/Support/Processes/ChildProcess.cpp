@@ -33,6 +33,9 @@ constexpr std::array ambientVariables{
     "XAUTHORITY",      "DBUS_SESSION_BUS_ADDRESS", "SESSION_MANAGER",
     "DESKTOP_SESSION", "XDG_CURRENT_DESKTOP"};
 
+/// How long a program may take to end by itself; Xvfb and xfwm4 need a tenth of it.
+constexpr std::chrono::seconds terminationTime{2};
+
 std::string_view keyOf(std::string_view variable) {
     return variable.substr(0, variable.find('='));
 }
@@ -157,7 +160,7 @@ void ChildProcess::stop() {
     if (isRunning()) {
         ::kill(-m_process, SIGTERM);
         ::kill(-m_process, SIGCONT); // a stopped program would never see the first one
-        if (!waitForExit(std::chrono::seconds(2))) {
+        if (!waitForExit(terminationTime)) {
             ::kill(-m_process, SIGKILL);
             [[maybe_unused]] const bool ended = waitForExit(patience);
         }
