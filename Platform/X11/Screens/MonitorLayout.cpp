@@ -93,6 +93,7 @@ void makeNamesUnique(std::vector<MonitorAnswer>& answers) {
 /// the order in which the displays were plugged in.
 void giveIdentifiers(std::vector<MonitorAnswer>& answers) {
     std::vector<MonitorAnswer*> byName;
+    byName.reserve(answers.size());
     for (auto& answer : answers)
         byName.push_back(&answer);
     std::ranges::sort(byName, {}, [](const auto* answer) { return answer->ownName; });
@@ -130,6 +131,7 @@ std::vector<Monitor> readMonitors(Connection& connection) {
     giveIdentifiers(answers);
 
     std::vector<Monitor> monitors;
+    monitors.reserve(answers.size());
     for (auto& answer : answers)
         monitors.push_back(std::move(answer.monitor));
     const auto main = std::ranges::find_if(monitors, &Monitor::isMain);

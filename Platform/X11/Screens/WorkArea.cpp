@@ -53,6 +53,7 @@ std::vector<Strut> readStruts(Connection& connection) {
     };
     std::vector<Asked> asked;
     const auto clients = readClientList(connection).value_or(std::vector<ClientWindow>());
+    asked.reserve(clients.size());
     for (const auto& client : clients)
         asked.push_back({askProperty(connection, client.window, "_NET_WM_STRUT_PARTIAL"),
                          askProperty(connection, client.window, "_NET_WM_STRUT")});

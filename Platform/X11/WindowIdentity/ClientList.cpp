@@ -38,10 +38,12 @@ std::vector<xcb_window_t> topLevels(Connection& connection,
                                     const std::vector<xcb_window_t>& windows) {
     std::vector<xcb_window_t> found(windows.size(), XCB_WINDOW_NONE);
     std::vector<std::pair<std::size_t, xcb_window_t>> climbing;
+    climbing.reserve(windows.size());
     for (std::size_t i = 0; i < windows.size(); ++i)
         climbing.emplace_back(i, windows[i]);
     for (int level = 0; level < deepestNesting && !climbing.empty(); ++level) {
         std::vector<xcb_query_tree_cookie_t> asked;
+        asked.reserve(climbing.size());
         for (const auto& [index, window] : climbing)
             asked.push_back(xcb_query_tree(connection.get(), window));
         std::vector<std::pair<std::size_t, xcb_window_t>> next;

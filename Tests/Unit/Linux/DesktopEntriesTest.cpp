@@ -73,16 +73,16 @@ TEST_F(DesktopEntriesTest, SkipWhatIsDeletedNamelessOrNoEntry) {
 }
 
 TEST_F(DesktopEntriesTest, LieWhereTheUsersEnvironmentSays) {
-    setenv("XDG_DATA_HOME", "/home/somebody/data", 1);
+    setenv("XDG_DATA_HOME", "/users/somebody/data", 1);
     setenv("XDG_DATA_DIRS", "/opt/share::/usr/share", 1);
     EXPECT_EQ(DesktopEntries::foldersOfTheUser(),
-              (std::vector<fs::path>{"/home/somebody/data", "/opt/share", "/usr/share"}));
+              (std::vector<fs::path>{"/users/somebody/data", "/opt/share", "/usr/share"}));
     unsetenv("XDG_DATA_HOME");
     unsetenv("XDG_DATA_DIRS");
-    setenv("HOME", "/home/somebody", 1);
+    setenv("HOME", "/users/somebody", 1);
     EXPECT_EQ(
         DesktopEntries::foldersOfTheUser(),
-        (std::vector<fs::path>{"/home/somebody/.local/share", "/usr/local/share", "/usr/share"}));
+        (std::vector<fs::path>{"/users/somebody/.local/share", "/usr/local/share", "/usr/share"}));
 }
 
 } // namespace
