@@ -16,7 +16,7 @@ protected:
         std::string name = (fs::temp_directory_path() / "kestrove-entries-XXXXXX").string();
         m_folder = mkdtemp(name.data());
     }
-    ~DesktopEntriesTest() override { fs::remove_all(m_folder); }
+    void TearDown() override { fs::remove_all(m_folder); }
 
     void write(const fs::path& file, const std::string& text) {
         fs::create_directories((m_folder / file).parent_path());
