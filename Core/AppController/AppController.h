@@ -140,6 +140,7 @@ private:
     [[nodiscard]] std::optional<CaptureSource> initialSource() const;
     [[nodiscard]] std::optional<CaptureSource>
     autoDisplaySource(std::optional<DisplayID> preferred) const;
+    [[nodiscard]] bool isChoosable(CaptureSource source) const;
     void beginFollowing(std::optional<CaptureSource> failedSource = std::nullopt);
     void startSourceTracking();
     void stopSourceTracking();

@@ -41,11 +41,18 @@ AppController::autoDisplaySource(std::optional<DisplayID> preferred) const {
     return CaptureSource::display(displays.front());
 }
 
+bool AppController::isChoosable(CaptureSource source) const {
+    return isAutoFollow(m_followMode) ? source.isDisplay() : isManualSource(source);
+}
+
 void AppController::beginFollowing(std::optional<CaptureSource> failedSource) {
     m_isFollowing = true;
     // Tracking begins by naming the source it would choose. After a recovery that may be the very
-    // one that has just failed, and following it would fail and recover again, without end.
-    m_sourceNotToRetry = failedSource;
+    // one that has just failed, and following it would fail and recover again, without end. Unless
+    // the mode or the picks changed meanwhile: then what is shown instead must not stay.
+    const auto shown = m_activeSource.get();
+    if (shown && isChoosable(*shown))
+        m_sourceNotToRetry = failedSource;
     startSourceTracking();
     m_sourceNotToRetry.reset();
     m_with.sourceRefreshScheduler.schedule(refreshInterval, [this] { scheduleSourceRefresh(); });

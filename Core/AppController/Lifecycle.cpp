@@ -114,7 +114,8 @@ Task<void> AppController::stopSafely(CaptureSessionState end) {
         co_await restoreRunningStream();
         co_return;
     }
-    // What the user picked meanwhile may have come to be shown.
+    // What the user picked meanwhile may have come to be shown and watched.
+    stopSourceTracking();
     if (m_activeSource.get())
         presentSafeOutput();
     m_sessionState.set(end);

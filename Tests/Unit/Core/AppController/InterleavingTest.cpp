@@ -1,4 +1,4 @@
-#include "Tests/Unit/Core/AppController/ControllerBench.h"
+#include "Tests/Unit/Core/AppController/Scenario.h"
 
 #include <algorithm>
 #include <functional>
@@ -14,120 +14,9 @@ namespace {
 
 using State = CaptureSessionState;
 using Order = AwaitGate::Order;
-using Action = std::function<void(ControllerBench&)>;
 using AtAwait = std::function<void(int)>;
 
 const PlatformError refused("X11", 11);
-
-struct Scenario {
-    std::string name;
-    /// Up to the moment of interest, with nothing held.
-    Action prepare;
-    Action begin;
-};
-
-void start(ControllerBench& bench) {
-    bench.controller->start();
-}
-
-void run(ControllerBench& bench) {
-    bench.create();
-    bench.startAndRun();
-}
-
-std::vector<Scenario> scenarios() {
-    return {
-        {"start", [](auto& bench) { bench.create(); }, start},
-        {"start by hand among several",
-         [](auto& bench) { bench.createManual({window5, display2}); }, start},
-        {"start with a fallback",
-         [](auto& bench) {
-             bench.create();
-             bench.engine.failFor(display1, refused);
-         },
-         start},
-        {"start that fails",
-         [](auto& bench) {
-             bench.create();
-             bench.engine.failFor(display1, EngineError::displayNotFound);
-             bench.engine.failFor(display2, refused);
-         },
-         start},
-        {"start without a source",
-         [](auto& bench) {
-             bench.create();
-             bench.lister.snapshot = {};
-         },
-         start},
-        {"start while the permission goes",
-         [](auto& bench) {
-             bench.create();
-             bench.lister.failure = refused;
-         },
-         [](auto& bench) {
-             bench.controller->start();
-             bench.permission = ScreenRecordingPermission::revoked;
-         }},
-        {"switch", run, [](auto& bench) { bench.pointAt(2); }},
-        {"switch there and back", run,
-         [](auto& bench) {
-             bench.pointAt(2);
-             bench.pointAt(1);
-         }},
-        {"switch that fails with a fallback",
-         [](auto& bench) {
-             run(bench);
-             bench.engine.failFor(display2, refused);
-         },
-         [](auto& bench) { bench.pointAt(2); }},
-        {"switch that fails without the permission",
-         [](auto& bench) {
-             run(bench);
-             bench.engine.failFor(display2, refused);
-             bench.permission = ScreenRecordingPermission::revoked;
-         },
-         [](auto& bench) { bench.pointAt(2); }},
-        {"resume",
-         [](auto& bench) {
-             bench.createManual({window5, window6});
-             bench.startAndRun();
-             bench.engine.endStream();
-         },
-         [](auto& bench) { bench.scheduler.tick(); }},
-        {"resume that fails",
-         [](auto& bench) {
-             bench.createManual({window5, window6});
-             bench.startAndRun();
-             bench.engine.endStream();
-             bench.engine.failFor(window5, EngineError::windowNotFound);
-         },
-         [](auto& bench) { bench.scheduler.tick(); }},
-        {"active window closed",
-         [](auto& bench) {
-             bench.createManual({window5, window6});
-             bench.startAndRun();
-             bench.existence.answers[5] = WindowExistence::terminated;
-         },
-         [](auto& bench) { bench.scheduler.tick(); }},
-        {"only window closed",
-         [](auto& bench) {
-             bench.createManual({window5});
-             bench.startAndRun();
-             bench.existence.answers[5] = WindowExistence::terminated;
-         },
-         [](auto& bench) { bench.scheduler.tick(); }},
-        {"pick and unpick",
-         [](auto& bench) {
-             bench.createManual({display1});
-             bench.startAndRun();
-         },
-         [](auto& bench) {
-             bench.settings->manualSources.set({window5});
-             bench.settle();
-             bench.settings->manualSources.set({});
-         }},
-    };
-}
 
 /// Lets everything that waits through, one after another; `atAwait` is told the number of each
 /// moment at which something waits. Returns how many there were.
@@ -144,10 +33,6 @@ int runThrough(ControllerBench& bench, Order order, const AtAwait& atAwait) {
     }
     EXPECT_LT(awaits, endless) << "it never comes to rest";
     return awaits;
-}
-
-void PrintTo(const Scenario& scenario, std::ostream* out) {
-    *out << scenario.name;
 }
 
 int prepareAndRun(ControllerBench& bench, const Scenario& scenario, Order order,
@@ -169,6 +54,10 @@ void expectRest(ControllerBench& bench) {
         EXPECT_EQ(bench.engine.currentSource(), bench.active());
         EXPECT_TRUE(bench.scheduler.isScheduled());
         return;
+    }
+    if (!state.isActive()) {
+        EXPECT_FALSE(bench.pointer.globalMoved.hasSubscribers()) << state;
+        EXPECT_FALSE(bench.workspace.activated.hasSubscribers()) << state;
     }
     EXPECT_EQ(bench.engine.currentSource(), std::nullopt) << state;
     EXPECT_TRUE(state == State::waitingForSource() || state == State::stopped() ||
@@ -244,8 +133,6 @@ TEST_P(Interleaving, AStopEndsInStoppedWithNothingMoreShown) {
         EXPECT_EQ(bench.state(), State::stopped());
         EXPECT_TRUE(bench.container.content == nullptr || bench.container.content == shownAtStop);
         EXPECT_FALSE(bench.scheduler.isScheduled());
-        EXPECT_FALSE(bench.pointer.globalMoved.hasSubscribers());
-        EXPECT_FALSE(bench.workspace.activated.hasSubscribers());
         for (const auto& call : bench.events()) {
             EXPECT_FALSE(call == "show content" || call.starts_with("match") ||
                          call.starts_with("mark") || call.starts_with("engine switch"))
@@ -346,6 +233,21 @@ TEST_P(Interleaving, TheUserMayPickSomethingElse) {
         expectRest(bench);
         if (bench.state() == State::running() && wasOn)
             EXPECT_EQ(bench.active(), window6);
+    });
+}
+
+TEST_P(Interleaving, TheUserMayPickSeveral) {
+    forEachAwait([this](Order order, int at) {
+        ControllerBench bench;
+        bool wasOn = false;
+        actAt(bench, order, at, [&wasOn](ControllerBench& picking) {
+            wasOn = picking.state().isActive();
+            picking.settings->followMode.set(FollowMode::manual);
+            picking.settings->manualSources.set({window6, display2});
+        });
+        expectRest(bench);
+        if (bench.state() == State::running() && wasOn)
+            EXPECT_TRUE(bench.active() == window6 || bench.active() == display2) << *bench.active();
     });
 }
 
