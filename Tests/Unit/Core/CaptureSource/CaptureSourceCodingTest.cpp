@@ -70,6 +70,8 @@ TEST(CaptureSourceCoding, ProcessIdentifiersAreSignedThirtyTwoBits) {
     EXPECT_EQ(withProcess("-2147483648")->processID, -2147483648);
     EXPECT_EQ(withProcess("2147483648").error().kind, Kind::dataCorrupted);
     EXPECT_EQ(withProcess("-2147483649").error().kind, Kind::dataCorrupted);
+    EXPECT_EQ(withProcess("18446744073709551615").error().kind, Kind::dataCorrupted)
+        << "all bits set is not -1";
 }
 
 TEST(CaptureSourceCoding, MissingKeysFail) {

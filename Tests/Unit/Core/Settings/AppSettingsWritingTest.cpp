@@ -143,6 +143,17 @@ TEST_F(AppSettingsWriting, ANewProcessForgetsTheWindowsAndKeepsTheDisplays) {
     EXPECT_EQ(m_defaults.dataText(selectionsKey), "[]");
 }
 
+TEST_F(AppSettingsWriting, WhoeverIsToldOfTheForgottenWindowsFindsNoSelectionOfThem) {
+    m_settings.toggleManualSource(window5, selection5);
+    std::optional<std::size_t> selectionsSeen;
+    const auto subscription = m_settings.manualSources.subscribe(
+        [&](const auto&) { selectionsSeen = m_settings.manualWindowSelections().size(); });
+    m_settings.discardPersistedManualWindowsForNewProcess();
+    EXPECT_EQ(selectionsSeen, 0U);
+    m_settings.toggleManualSource(window5, selection5);
+    EXPECT_EQ(selectionsSeen, 1U) << "a selection is there before its window is announced";
+}
+
 TEST_F(AppSettingsWriting, AListThatCannotBeEncodedLeavesItsKeyAndWritesTheOther) {
     m_settings.toggleManualSource(window5, selection5);
     (void)writes();
