@@ -27,7 +27,8 @@ struct AppControllerCollaborators {
     ActiveSourceResolver& sourceResolver;
     OutputContentControlling& outputContainer;
     OutputWindowControlling& outputWindow;
-    ActiveSourceOverlayControlling& activeOverlay;
+    /// Null on a desktop where nothing can mark the source.
+    ActiveSourceOverlayControlling* activeOverlay = nullptr;
     SourceSnapshotListing& sourceLister;
     WindowExistenceChecking& windowExistenceChecker;
     SessionLockStateProviding& sessionLockState;

@@ -74,7 +74,9 @@ Task<void> AppController::listingDidFail(PlatformError error) {
 
 WindowIDSet AppController::selfCaptureWindowIDs() const {
     WindowIDSet windows;
-    for (const auto window : {m_with.outputWindow.windowID(), m_with.activeOverlay.windowID()}) {
+    const auto overlayWindow =
+        m_with.activeOverlay ? m_with.activeOverlay->windowID() : std::nullopt;
+    for (const auto window : {m_with.outputWindow.windowID(), overlayWindow}) {
         if (window && *window >= 1)
             windows.insert(*window);
     }

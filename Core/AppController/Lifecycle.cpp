@@ -90,7 +90,8 @@ void AppController::presentSafeOutput() {
         m_isContentShown = false;
     }
     m_activeSource.set(std::nullopt);
-    m_with.activeOverlay.hide();
+    if (m_with.activeOverlay)
+        m_with.activeOverlay->hide();
 }
 
 Task<void> AppController::stopForRecovery(CaptureRecoveryReason reason) {

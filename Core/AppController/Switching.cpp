@@ -41,7 +41,8 @@ void AppController::presentSource(CaptureSource source, Size pixelSize) {
         m_isContentShown = true;
     }
     m_activeSource.set(source);
-    m_with.activeOverlay.show(source);
+    if (m_with.activeOverlay)
+        m_with.activeOverlay->show(source);
     m_isOutputSettled = true;
     m_sessionState.set(CaptureSessionState::running());
 }

@@ -68,7 +68,7 @@ AppController& ControllerBench::create() {
         .sourceResolver = *resolver,
         .outputContainer = container,
         .outputWindow = window,
-        .activeOverlay = overlay,
+        .activeOverlay = &overlay,
         .sourceLister = lister,
         .windowExistenceChecker = existence,
         .sessionLockState = lockState,
