@@ -1,9 +1,10 @@
 #pragma once
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
 #include <QEventLoop>
+#include <QTimer>
 
+#include <chrono>
 #include <functional>
 
 namespace kestrove {
@@ -11,15 +12,14 @@ namespace kestrove {
 /// Runs Qt's event loop until `condition` holds; false when it has not come to hold after ten
 /// seconds.
 inline bool spinUntil(const std::function<bool()>& condition) {
-    constexpr int patience = 10'000;
-    QElapsedTimer waited;
-    waited.start();
+    constexpr auto patience = std::chrono::seconds(10);
+    QTimer timeOut;
+    timeOut.setSingleShot(true);
+    timeOut.start(patience);
     while (!condition()) {
-        const auto left = patience - waited.elapsed();
-        if (left <= 0)
+        if (!timeOut.isActive())
             return false;
-        QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents,
-                                        static_cast<int>(left));
+        QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
     return true;
