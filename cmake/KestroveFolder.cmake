@@ -22,7 +22,7 @@ function(kestrove_folder folder)
         if(arg_QT)
             set_target_properties(${target} PROPERTIES AUTOMOC ON)
             # Words like `emit` are names of ours.
-            target_compile_definitions(${target} PRIVATE QT_NO_KEYWORDS)
+            target_compile_definitions(${target} PUBLIC QT_NO_KEYWORDS)
         endif()
     else()
         set(scope INTERFACE)

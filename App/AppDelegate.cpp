@@ -1,0 +1,40 @@
+#include "App/AppDelegate.h"
+
+namespace kestrove {
+
+AppDelegate::AppDelegate(Application& application, AppSettings& settings, AppController& controller,
+                         OutputWindowControlling& outputWindow)
+    : m_application(application)
+    , m_settings(settings)
+    , m_controller(controller)
+    , m_outputWindow(outputWindow) {
+    // Back from the system's settings, perhaps: an idle session shows what has become of the
+    // permission.
+    m_becameActive =
+        application.onBecameActive([this] { m_controller.refreshIdlePermissionState(); });
+}
+
+void AppDelegate::applicationDidFinishLaunching() {
+    m_application.setActivationPolicy(ActivationPolicy::regular);
+    m_application.activateIgnoringOtherApps();
+    // The output window is also the only way in while there is no menu.
+    m_outputWindow.show();
+    if (m_settings.autoStart.get() && !isSharing())
+        m_controller.start();
+}
+
+void AppDelegate::outputWindowClosed() {
+    terminate();
+}
+
+void AppDelegate::terminate() {
+    m_controller.stop();
+    m_application.quit();
+}
+
+bool AppDelegate::isSharing() const {
+    const auto& state = m_controller.sessionState().get();
+    return state.isActive() || state.kind() == CaptureSessionState::Kind::stopping;
+}
+
+} // namespace kestrove

@@ -1,0 +1,106 @@
+#include "App/KestroveApp.h"
+
+#include "Platform/X11/Capture/X11DisplayLayer.h"
+#include "UI/Alerts/RunModalAlert.h"
+#include "UI/OutputWindow/QtOutputWindow.h"
+#include "Util/ScreenGeometry.h"
+
+#include <QWindow>
+
+#include <string>
+#include <utility>
+
+namespace kestrove {
+
+namespace {
+
+/// How long pointer and focus must have been still before the session follows them.
+constexpr Seconds followDebounce{0.15};
+
+FollowedDesktop followedDesktop(KestroveGround ground) {
+    auto& desktop = ground.desktop;
+    return {ground.loop, desktop.pointer(), desktop.screens(), desktop.windowServer(),
+            desktop.workspace()};
+}
+
+CaptureEnginePlatform enginePlatform(KestroveGround ground) {
+    return {ground.loop, ground.desktop.screenCapture(), ground.desktop.screens(), ground.log,
+            KestroveApp::bundleIdentifier};
+}
+
+QtApplication::BringToFront bringToFront(X11Desktop& desktop) {
+    return [activate = desktop.windowRequests().activate](QWindow& window) {
+        activate(window.winId());
+    };
+}
+
+} // namespace
+
+KestroveApp::KestroveApp(KestroveGround ground)
+    : m_application(ground.loop, bundleIdentifier, bringToFront(ground.desktop))
+    , m_settings(ground.defaults)
+    , m_permissionGuard(ground.desktop.recordingAccess(), runModalAlert)
+    , m_permission(ground.desktop.recordingAccess(), m_permissionGuard)
+    , m_renderer(std::make_unique<x11::X11DisplayLayer>(ground.desktop.connection()))
+    , m_captureEngine(m_renderer, enginePlatform(ground))
+    , m_displayTracker(followedDesktop(ground), m_settings.followMode.get(), followDebounce)
+    , m_sourceResolver(followedDesktop(ground), followDebounce)
+    , m_sourceLister(ground.desktop.screenCapture(), ground.desktop.screens(), m_application,
+                     ground.log)
+    , m_existenceChecker(ground.desktop.windowServer(), ground.desktop.workspace())
+    , m_lockMonitor(ground.desktop.workspace(), m_application)
+    , m_refreshScheduler(ground.loop)
+    , m_outputContainer(m_containerView)
+    , m_outputWindow(m_containerView,
+                     {m_settings.alwaysOnTop.get(), m_settings.hideOutputWindow.get()},
+                     windowPlatform(ground))
+    , m_controller(collaborators(ground))
+    , m_appDelegate(m_application, m_settings, m_controller, m_outputWindow) {}
+
+OutputWindowPlatform KestroveApp::windowPlatform(KestroveGround ground) {
+    auto makeWindow = [this, ground](const Rect& contentRect, WindowStyle style) {
+        QtOutputWindowSurroundings surroundings{ground.loop, ground.desktop.screens(),
+                                                ground.desktop.windowRequests(), windowCommands()};
+        return std::make_unique<QtOutputWindow>(std::move(surroundings), contentRect, style);
+    };
+    return {ground.loop, ground.desktop.screens(), m_application, std::move(makeWindow)};
+}
+
+OutputWindowCommands KestroveApp::windowCommands() {
+    // Called by the user's hand, when everything below has long been made.
+    OutputWindowCommands commands;
+    commands.isSharing = [this] { return m_appDelegate.isSharing(); };
+    commands.start = [this] { m_controller.start(); };
+    commands.stop = [this] { m_controller.stop(); };
+    commands.quit = [this] { m_appDelegate.terminate(); };
+    commands.windowClosed = [this] { m_appDelegate.outputWindowClosed(); };
+    return commands;
+}
+
+AppControllerCollaborators KestroveApp::collaborators(KestroveGround ground) {
+    return {
+        .mainLoop = ground.loop,
+        .settings = m_settings,
+        .renderer = m_renderer,
+        .captureEngine = m_captureEngine,
+        .displayTracker = m_displayTracker,
+        .sourceResolver = m_sourceResolver,
+        .outputContainer = m_outputContainer,
+        .outputWindow = m_outputWindow,
+        .activeOverlay = nullptr,
+        .sourceLister = m_sourceLister,
+        .windowExistenceChecker = m_existenceChecker,
+        .sessionLockState = m_lockMonitor,
+        .sourceRefreshScheduler = m_refreshScheduler,
+        .permissionAccess = m_permission.operations(),
+        .displayIDUnderMouse =
+            [&desktop = ground.desktop] {
+                return ScreenGeometry::displayIDUnderMouse(desktop.pointer(), desktop.screens());
+            },
+        .systemLog = ground.log,
+        .logSubsystem = bundleIdentifier,
+        .diagnosticOutput = m_diagnosticOutput,
+    };
+}
+
+} // namespace kestrove

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "App/AppDelegate.h"
+#include "App/X11Desktop/X11Desktop.h"
+#include "Core/AppController/AppController.h"
+#include "Core/AppController/TimerSourceRefreshScheduler.h"
+#include "Core/CaptureEngine/CaptureEngine.h"
+#include "Core/LiveScreenRecordingPermission.h"
+#include "Core/SourceLister/ScreenCaptureSourceSnapshotLister.h"
+#include "Core/SourceLister/WindowServerExistenceChecker.h"
+#include "Core/SourceLister/WorkspaceSessionLockMonitor.h"
+#include "Platform/Qt/QtApplication.h"
+#include "UI/Composer/OutputContainer.h"
+#include "UI/Composer/OutputContainerWidget.h"
+#include "UI/OutputWindow/OutputWindowCommands.h"
+#include "UI/OutputWindow/OutputWindowController.h"
+
+#include <memory>
+
+namespace kestrove {
+
+/// What the application stands on: made in `main`, where each may fail, and outliving it.
+struct KestroveGround {
+    MainLoop& loop;
+    SystemLog& log;
+    UserDefaults& defaults;
+    X11Desktop& desktop;
+};
+
+/// The whole application: the one place that names all parts and joins them. The members stand in
+/// the order in which they need each other.
+///
+/// Thread: main, that of the QApplication, which outlives it.
+class KestroveApp {
+public:
+    /// Reverse-DNS name of this application: what desktops, log and queues know it by.
+    static constexpr const char* bundleIdentifier = "dev.kestrove.Kestrove";
+
+    explicit KestroveApp(KestroveGround ground);
+    KestroveApp(const KestroveApp&) = delete;
+    KestroveApp& operator=(const KestroveApp&) = delete;
+    ~KestroveApp() = default;
+
+    [[nodiscard]] AppDelegate& delegate() { return m_appDelegate; }
+
+private:
+    [[nodiscard]] OutputWindowPlatform windowPlatform(KestroveGround ground);
+    [[nodiscard]] OutputWindowCommands windowCommands();
+    [[nodiscard]] AppControllerCollaborators collaborators(KestroveGround ground);
+
+    QtApplication m_application;
+    AppSettings m_settings;
+    PermissionGuard m_permissionGuard;
+    LiveScreenRecordingPermission m_permission;
+
+    FrameRenderer m_renderer;
+    CaptureEngine m_captureEngine;
+    ActiveDisplayTracker m_displayTracker;
+    ActiveSourceResolver m_sourceResolver;
+    ScreenCaptureSourceSnapshotLister m_sourceLister;
+    WindowServerExistenceChecker m_existenceChecker;
+    WorkspaceSessionLockMonitor m_lockMonitor;
+    TimerSourceRefreshScheduler m_refreshScheduler;
+    StandardOutput m_diagnosticOutput;
+
+    OutputContainerWidget m_containerView;
+    OutputContainer m_outputContainer;
+    OutputWindowController m_outputWindow;
+
+    AppController m_controller;
+    AppDelegate m_appDelegate;
+};
+
+} // namespace kestrove

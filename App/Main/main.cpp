@@ -1,0 +1,67 @@
+#include "App/KestroveApp.h"
+#include "App/X11Desktop/X11Desktop.h"
+#include "Platform/Linux/FileUserDefaults.h"
+#include "Platform/Linux/JournalLog.h"
+#include "Platform/Linux/TerminationSignals.h"
+#include "Platform/Linux/ThreadSerialQueue.h"
+#include "Platform/Qt/QtDescriptorWatching.h"
+#include "Platform/Qt/QtMainLoop.h"
+#include "Platform/X11/WindowManagerRequests.h"
+
+#include <QApplication>
+
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <utility>
+
+namespace {
+
+constexpr const char* programName = "kestrove";
+
+int fail(const std::string& reason) {
+    std::fprintf(stderr, "%s: Xサーバーに接続できないため起動できません (%s)\n", programName,
+                 reason.c_str());
+    return 1;
+}
+
+/// What Qt reads at its start.
+void prepareQt() {
+    // The adapters are those of X: Qt must be on the same desktop, also where it would prefer
+    // another one.
+    qputenv("QT_QPA_PLATFORM", "xcb");
+    // X has one coordinate space of pixels, and so have we. Qt's own scaling would give it another
+    // one, with gaps between the screens. Texts keep to the desktop's resolution without it.
+    qputenv("QT_ENABLE_HIGHDPI_SCALING", "0");
+    qunsetenv("QT_SCALE_FACTOR");
+    qunsetenv("QT_SCREEN_SCALE_FACTORS");
+}
+
+} // namespace
+
+int main(int argumentCount, char** arguments) {
+    using namespace kestrove;
+    // Before Qt, which ends the process without a word of ours when there is no server.
+    if (const auto reason = x11::whyUnreachable())
+        return fail(*reason);
+    prepareQt();
+    // Becomes the class of our windows, by which desktops join them to the application.
+    QCoreApplication::setApplicationName(KestroveApp::bundleIdentifier);
+    QGuiApplication::setDesktopFileName(KestroveApp::bundleIdentifier);
+    const QApplication qt(argumentCount, arguments);
+    QApplication::setQuitOnLastWindowClosed(false);
+
+    QtMainLoop loop(
+        [](std::string label) { return std::make_shared<ThreadSerialQueue>(std::move(label)); });
+    QtDescriptorWatching watching;
+    const auto log = makeSystemLog(programName);
+    FileUserDefaults defaults(FileUserDefaults::defaultFile(programName));
+    const auto desktop = X11Desktop::open(loop, watching);
+    if (!desktop)
+        return fail(desktop.error().description);
+
+    KestroveApp app({loop, *log, defaults, **desktop});
+    const TerminationSignals signals(watching, [&app] { app.delegate().terminate(); });
+    loop.post([&app] { app.delegate().applicationDidFinishLaunching(); });
+    return QApplication::exec();
+}

@@ -1,0 +1,50 @@
+#include "App/X11Desktop/X11Desktop.h"
+
+#include <QGuiApplication>
+
+#include <utility>
+
+namespace kestrove {
+
+namespace {
+
+xcb_connection_t* connectionOfQt() {
+    return qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
+}
+
+} // namespace
+
+std::expected<std::unique_ptr<X11Desktop>, PlatformError>
+X11Desktop::open(MainLoop& loop, DescriptorWatching& watching) {
+    auto connection = x11::Connection::open(loop, watching, {});
+    if (!connection)
+        return std::unexpected(std::move(connection.error()));
+    return std::unique_ptr<X11Desktop>(new X11Desktop(std::move(*connection), watching));
+}
+
+X11Desktop::X11Desktop(std::unique_ptr<x11::Connection> connection, DescriptorWatching& watching)
+    : m_connection(std::move(connection))
+    , m_windowManager(connectionOfQt())
+    , m_monitors(*m_connection)
+    , m_motion(*m_connection)
+    , m_applications(DesktopEntries(DesktopEntries::foldersOfTheUser()))
+    , m_screens(*m_connection, m_monitors)
+    , m_pointer(*m_connection, m_monitors, m_motion)
+    , m_windowServer(*m_connection, m_monitors)
+    , m_workspace(*m_connection, watching, m_applications)
+    , m_screenCapture(*m_connection, m_monitors, m_applications, m_motion)
+    , m_recordingAccess(*m_connection) {}
+
+NativeWindowRequests X11Desktop::windowRequests() {
+    NativeWindowRequests requests;
+    requests.setContentAspectRatio = [this](NativeViewHandle window, Size ratio) {
+        m_windowManager.setContentAspectRatio(window, ratio);
+    };
+    requests.joinAllWorkspaces = [this](NativeViewHandle window) {
+        m_windowManager.joinAllWorkspaces(window);
+    };
+    requests.activate = [this](NativeViewHandle window) { m_windowManager.activate(window); };
+    return requests;
+}
+
+} // namespace kestrove

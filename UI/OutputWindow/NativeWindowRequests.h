@@ -1,0 +1,22 @@
+#pragma once
+
+#include "Desktop/DisplayLayer.h"
+#include "Desktop/Geometry.h"
+
+#include <functional>
+
+namespace kestrove {
+
+/// What the output window asks of the window manager beyond what Qt can ask. Each may be empty
+/// where a desktop knows no such thing. Main thread; the window exists.
+struct NativeWindowRequests {
+    /// What user resizing keeps the content's sides at. Qt rewrites the hints of a window without
+    /// it whenever it sets its geometry or its smallest size, so that this follows each of those.
+    std::function<void(NativeViewHandle window, Size ratio)> setContentAspectRatio;
+    /// On every workspace; again after every time the window was shown.
+    std::function<void(NativeViewHandle window)> joinAllWorkspaces;
+    /// In front and with the focus, even while another application is active.
+    std::function<void(NativeViewHandle window)> activate;
+};
+
+} // namespace kestrove

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <functional>
+
+namespace kestrove {
+
+/// What the user can do from the output window itself: the way in on desktops that show no tray.
+/// Called from the main loop, while the window exists.
+struct OutputWindowCommands {
+    /// Whether sharing is on or on its way to or from it: there is something to stop.
+    std::function<bool()> isSharing;
+    std::function<void()> start;
+    std::function<void()> stop;
+    std::function<void()> quit;
+    /// The user has closed the window.
+    std::function<void()> windowClosed;
+};
+
+} // namespace kestrove

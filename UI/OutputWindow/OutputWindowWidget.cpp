@@ -1,0 +1,86 @@
+#include "UI/OutputWindow/OutputWindowWidget.h"
+
+#include <QCloseEvent>
+#include <QContextMenuEvent>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QWindow>
+
+#include <utility>
+
+namespace kestrove {
+
+OutputWindowWidget::OutputWindowWidget(OutputWindowCommands commands, Qt::WindowFlags flags)
+    : QWidget(nullptr, flags)
+    , m_commands(std::move(commands)) {
+    // Until the content has drawn: no flash of the desktop's window colour in front of everybody.
+    setAutoFillBackground(true);
+    QPalette black = palette();
+    black.setColor(QPalette::Window, Qt::black);
+    setPalette(black);
+    // Other programs know the native window by its number: it is there from now on.
+    winId();
+    windowHandle()->installEventFilter(this);
+}
+
+void OutputWindowWidget::setContent(QWidget& content) {
+    releaseContent();
+    m_content = &content;
+    content.setParent(this);
+    content.setGeometry(rect());
+    content.show();
+}
+
+void OutputWindowWidget::releaseContent() {
+    if (auto* const content = std::exchange(m_content, nullptr))
+        content->setParent(nullptr);
+}
+
+void OutputWindowWidget::moveEvent(QMoveEvent* event) {
+    QWidget::moveEvent(event);
+    moved.emit();
+}
+
+void OutputWindowWidget::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    if (m_content)
+        m_content->setGeometry(rect());
+    if (event->spontaneous())
+        resizedByDesktop.emit();
+}
+
+bool OutputWindowWidget::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Expose)
+        exposed.emit();
+    return QWidget::eventFilter(watched, event);
+}
+
+void OutputWindowWidget::closeEvent(QCloseEvent* event) {
+    // Accepted, it would take the native window along, and the number with it by which other
+    // programs know it.
+    event->ignore();
+    hide();
+    m_commands.windowClosed();
+}
+
+void OutputWindowWidget::contextMenuEvent(QContextMenuEvent* event) {
+    QMenu menu;
+    if (m_commands.isSharing())
+        menu.addAction(QStringLiteral("停止"), [this] { m_commands.stop(); });
+    else
+        menu.addAction(QStringLiteral("開始"), [this] { m_commands.start(); });
+    menu.addSeparator();
+    menu.addAction(QStringLiteral("終了"), [this] { m_commands.quit(); });
+    menu.exec(event->globalPos());
+}
+
+void OutputWindowWidget::keyPressEvent(QKeyEvent* event) {
+    const auto key = event->key();
+    const bool starts = key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Space;
+    if (starts && !event->isAutoRepeat() && !m_commands.isSharing())
+        m_commands.start();
+    else
+        QWidget::keyPressEvent(event);
+}
+
+} // namespace kestrove

@@ -1,0 +1,257 @@
+#include "UI/OutputWindow/QtOutputWindow.h"
+
+#include "UI/Composer/OutputContainerWidget.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+#include <QWindow>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace kestrove {
+
+namespace {
+
+/// X does not tell when the user lets go of a window's edge. A hand that rests this long has chosen
+/// a size.
+constexpr Seconds restAfterResizing{0.3};
+/// For so long after the program set a frame, what the window manager makes of it is its answer and
+/// not the user's doing.
+constexpr Seconds answerOfTheWindowManager{0.5};
+
+Rect toRect(const QRect& rect) {
+    return {static_cast<double>(rect.x()), static_cast<double>(rect.y()),
+            static_cast<double>(rect.width()), static_cast<double>(rect.height())};
+}
+
+QRect toPixels(const Rect& rect) {
+    const auto whole = [](double value) { return static_cast<int>(std::lround(value)); };
+    return {whole(rect.x), whole(rect.y), whole(rect.width), whole(rect.height)};
+}
+
+Qt::WindowFlags flags(WindowStyle style) {
+    auto flags = Qt::Window | Qt::CustomizeWindowHint;
+    if (has(style, WindowStyle::titled))
+        flags |= Qt::WindowTitleHint | Qt::WindowSystemMenuHint;
+    if (has(style, WindowStyle::closable))
+        flags |= Qt::WindowCloseButtonHint;
+    if (has(style, WindowStyle::miniaturizable))
+        flags |= Qt::WindowMinimizeButtonHint;
+    if (has(style, WindowStyle::resizable))
+        flags |= Qt::WindowMaximizeButtonHint;
+    return flags;
+}
+
+/// Shrunk to fit, its aspect ratio kept.
+Size fitted(Size size, Size available) {
+    const double factor =
+        std::min({1.0, available.width / size.width, available.height / size.height});
+    return {std::floor(size.width * factor), std::floor(size.height * factor)};
+}
+
+} // namespace
+
+QtOutputWindow::QtOutputWindow(QtOutputWindowSurroundings surroundings, const Rect& contentRect,
+                               WindowStyle style)
+    : m_loop(surroundings.loop)
+    , m_screens(surroundings.screens)
+    , m_requests(std::move(surroundings.requests))
+    , m_widget(std::move(surroundings.commands), flags(style))
+    , m_resizeRests(m_loop, restAfterResizing, [this] { m_liveResizeEnded.emit(); })
+    , m_scope(m_loop) {
+    // Posted: a frame is not set from inside the report of another one.
+    const auto adoptLater = [this] { m_scope.post([this] { adoptDecorations(); }); };
+    // Nobody tells that the decorations have become others; these are the moments after it.
+    m_subscriptions.push_back(m_widget.exposed.subscribe(adoptLater));
+    m_subscriptions.push_back(m_widget.moved.subscribe(adoptLater));
+    m_subscriptions.push_back(m_widget.resizedByDesktop.subscribe([this, adoptLater] {
+        resizedByDesktop();
+        adoptLater();
+    }));
+    auto content = contentRect;
+    if (const auto visible = mainVisibleFrame()) {
+        const auto size = fitted(content.size(), visible->size());
+        content = {content.x, content.y, size.width, size.height};
+    }
+    setFrame(frameRect(content), Redisplay::no);
+}
+
+QtOutputWindow::~QtOutputWindow() {
+    m_widget.releaseContent();
+}
+
+std::int64_t QtOutputWindow::windowNumber() const {
+    return static_cast<std::int64_t>(m_widget.winId());
+}
+
+ToolkitCoordinates QtOutputWindow::coordinates() const {
+    std::vector<Rect> frames;
+    for (const auto& screen : m_screens.screens())
+        frames.push_back(screen.frame);
+    std::vector<Rect> toolkitFrames;
+    for (const auto* screen : QGuiApplication::screens())
+        toolkitFrames.push_back(toRect(screen->geometry()));
+    return {frames, toolkitFrames};
+}
+
+std::optional<Rect> QtOutputWindow::mainVisibleFrame() const {
+    const auto screens = m_screens.screens();
+    const auto main = std::ranges::find(screens, true, &Screen::isMain);
+    return main == screens.end() ? std::nullopt : std::optional(main->visibleFrame);
+}
+
+Rect QtOutputWindow::frame() const {
+    if (m_requested && m_requested->geometry == m_widget.geometry())
+        return m_requested->frame;
+    return frameRect(coordinates().toScreen(toRect(m_widget.geometry())));
+}
+
+void QtOutputWindow::setFrame(const Rect& frame, Redisplay /*redisplay*/) {
+    m_lastRequest = m_loop.now();
+    m_widget.setGeometry(toPixels(coordinates().toToolkit(contentRect(frame))));
+    m_requested = Requested{frame, m_widget.geometry()};
+    applyAspectRatio();
+}
+
+Rect QtOutputWindow::contentRect(const Rect& frame) const {
+    const auto& around = m_decorations;
+    return {frame.x + around.left(), frame.y + around.bottom(),
+            std::max(0.0, frame.width - around.left() - around.right()),
+            std::max(0.0, frame.height - around.top() - around.bottom())};
+}
+
+Rect QtOutputWindow::frameRect(const Rect& content) const {
+    const auto& around = m_decorations;
+    return {content.x - around.left(), content.y - around.bottom(),
+            content.width + around.left() + around.right(),
+            content.height + around.top() + around.bottom()};
+}
+
+bool QtOutputWindow::isMiniaturized() const {
+    return m_widget.isMinimized();
+}
+
+void QtOutputWindow::deminiaturize() {
+    m_widget.setWindowState(m_widget.windowState() & ~Qt::WindowMinimized);
+}
+
+bool QtOutputWindow::isFullScreen() const {
+    return m_widget.isFullScreen();
+}
+
+void QtOutputWindow::toggleFullScreen() {
+    m_widget.setWindowState(m_widget.windowState() ^ Qt::WindowFullScreen);
+}
+
+void QtOutputWindow::makeKeyAndOrderFront() {
+    deminiaturize();
+    show(Activation::wanted);
+    m_widget.raise();
+    if (m_requests.activate)
+        m_requests.activate(m_widget.winId());
+    else
+        m_widget.activateWindow();
+}
+
+void QtOutputWindow::orderFrontRegardless() {
+    show(Activation::unwanted);
+    m_widget.raise();
+}
+
+void QtOutputWindow::show(Activation activation) {
+    if (m_widget.isVisible())
+        return;
+    m_lastRequest = m_loop.now();
+    m_widget.setAttribute(Qt::WA_ShowWithoutActivating, activation == Activation::unwanted);
+    m_widget.show();
+    applyAspectRatio();
+    joinAllWorkspaces();
+}
+
+void QtOutputWindow::setTitle(std::string_view title) {
+    m_widget.setWindowTitle(QString::fromUtf8(title.data(), static_cast<qsizetype>(title.size())));
+}
+
+void QtOutputWindow::setContentView(OutputContainerView& view) {
+    m_widget.setContent(static_cast<OutputContainerWidget&>(view));
+}
+
+void QtOutputWindow::setLevel(WindowLevel level) {
+    // On both objects: the widget's own setter would make another native window.
+    const auto onTop = [level](Qt::WindowFlags before) {
+        before.setFlag(Qt::WindowStaysOnTopHint, level == WindowLevel::floating);
+        return before;
+    };
+    m_widget.overrideWindowFlags(onTop(m_widget.windowFlags()));
+    auto* const native = m_widget.windowHandle();
+    native->setFlags(onTop(native->flags()));
+}
+
+void QtOutputWindow::setCollectionBehavior(CollectionBehavior behavior) {
+    const auto bits = static_cast<std::uint32_t>(behavior);
+    m_isOnAllWorkspaces =
+        (bits & static_cast<std::uint32_t>(CollectionBehavior::canJoinAllSpaces)) != 0;
+    joinAllWorkspaces();
+}
+
+void QtOutputWindow::setMinimumSize(Size frameSize) {
+    m_minimumFrameSize = frameSize;
+    applyMinimumSize();
+}
+
+void QtOutputWindow::setContentAspectRatio(Size ratio) {
+    m_aspectRatio = ratio;
+    applyAspectRatio();
+}
+
+void QtOutputWindow::center() {
+    const auto visible = mainVisibleFrame();
+    if (!visible)
+        return;
+    const auto size = frame().size();
+    const auto middle = visible->center();
+    setFrame({std::floor(middle.x - size.width / 2), std::floor(middle.y - size.height / 2),
+              size.width, size.height},
+             Redisplay::no);
+}
+
+Subscription QtOutputWindow::onLiveResizeEnded(std::function<void()> callback) {
+    return m_liveResizeEnded.subscribe(std::move(callback));
+}
+
+void QtOutputWindow::joinAllWorkspaces() {
+    // Window managers forget it with every window that leaves the desktop.
+    if (m_isOnAllWorkspaces && m_widget.isVisible() && m_requests.joinAllWorkspaces)
+        m_requests.joinAllWorkspaces(m_widget.winId());
+}
+
+void QtOutputWindow::applyMinimumSize() {
+    const Rect frame{0, 0, m_minimumFrameSize.width, m_minimumFrameSize.height};
+    m_widget.setMinimumSize(toPixels(contentRect(frame)).size());
+    applyAspectRatio();
+}
+
+void QtOutputWindow::applyAspectRatio() {
+    if (m_aspectRatio && m_requests.setContentAspectRatio)
+        m_requests.setContentAspectRatio(m_widget.winId(), *m_aspectRatio);
+}
+
+void QtOutputWindow::adoptDecorations() {
+    const auto decorations = m_widget.windowHandle()->frameMargins();
+    if (decorations == m_decorations)
+        return;
+    const bool isWhereItWasPut = m_requested && m_requested->geometry == m_widget.geometry();
+    m_decorations = decorations;
+    applyMinimumSize();
+    if (isWhereItWasPut)
+        setFrame(Rect(m_requested->frame), Redisplay::yes);
+}
+
+void QtOutputWindow::resizedByDesktop() {
+    if (m_loop.now() - m_lastRequest > answerOfTheWindowManager)
+        m_resizeRests.schedule();
+}
+
+} // namespace kestrove

@@ -1,0 +1,102 @@
+#pragma once
+
+#include "Async/Debouncer.h"
+#include "Async/Signal.h"
+#include "Async/TaskScope.h"
+#include "Desktop/Screens.h"
+#include "UI/OutputWindow/NativeWindowRequests.h"
+#include "UI/OutputWindow/OutputWindow.h"
+#include "UI/OutputWindow/OutputWindowWidget.h"
+#include "UI/OutputWindow/ToolkitCoordinates.h"
+
+#include <QMargins>
+#include <QRect>
+
+#include <optional>
+#include <vector>
+
+namespace kestrove {
+
+/// What an output window of Qt is made with. The references outlive it.
+struct QtOutputWindowSurroundings {
+    MainLoop& loop;
+    Screens& screens;
+    NativeWindowRequests requests;
+    OutputWindowCommands commands;
+};
+
+/// The output window as a top-level widget of Qt, one of whose pixels is a point.
+///
+/// Its native window is made with it and never made anew, so that the window's number stays. The
+/// decorations are the window manager's: they are known only once the window was shown, and a frame
+/// that was set before is then set again, so that it holds the decorations too.
+class QtOutputWindow final : public OutputWindow {
+public:
+    QtOutputWindow(QtOutputWindowSurroundings surroundings, const Rect& contentRect,
+                   WindowStyle style);
+    ~QtOutputWindow() override;
+
+    std::int64_t windowNumber() const override;
+    Rect frame() const override;
+    void setFrame(const Rect& frame, Redisplay redisplay) override;
+    Rect contentRect(const Rect& frame) const override;
+    Rect frameRect(const Rect& content) const override;
+
+    /// How far off the screens a window may go is the window manager's decision here: what is asked
+    /// for is the same.
+    void setAllowsOffscreenPositioning(bool /*allows*/) override {}
+
+    bool isMiniaturized() const override;
+    void deminiaturize() override;
+    bool isFullScreen() const override;
+    void toggleFullScreen() override;
+    void makeKeyAndOrderFront() override;
+    void orderFrontRegardless() override;
+
+    void setTitle(std::string_view title) override;
+    /// `view` must be an OutputContainerWidget.
+    void setContentView(OutputContainerView& view) override;
+    void setLevel(WindowLevel level) override;
+    void setCollectionBehavior(CollectionBehavior behavior) override;
+    void setMinimumSize(Size frameSize) override;
+    void setContentAspectRatio(Size ratio) override;
+    void center() override;
+
+    Subscription onLiveResizeEnded(std::function<void()> callback) override;
+
+    [[nodiscard]] OutputWindowWidget& widget() { return m_widget; }
+
+private:
+    enum class Activation : std::uint8_t { wanted, unwanted };
+    /// A frame that was set, and what Qt made of it: as long as that is unchanged, so is the frame.
+    struct Requested {
+        Rect frame;
+        QRect geometry;
+    };
+
+    [[nodiscard]] ToolkitCoordinates coordinates() const;
+    [[nodiscard]] std::optional<Rect> mainVisibleFrame() const;
+    void show(Activation activation);
+    void joinAllWorkspaces();
+    void applyMinimumSize();
+    void applyAspectRatio();
+    void adoptDecorations();
+    void resizedByDesktop();
+
+    MainLoop& m_loop;
+    Screens& m_screens;
+    NativeWindowRequests m_requests;
+    OutputWindowWidget m_widget;
+    std::optional<Requested> m_requested;
+    QMargins m_decorations;
+    Seconds m_lastRequest{0};
+    Size m_minimumFrameSize;
+    std::optional<Size> m_aspectRatio;
+    bool m_isOnAllWorkspaces = false;
+    Signal<> m_liveResizeEnded;
+    Debouncer m_resizeRests;
+    std::vector<Subscription> m_subscriptions;
+    TaskScope m_scope;
+};
+
+} // namespace kestrove
