@@ -32,6 +32,7 @@ DisplayFilter CaptureDesktop::display(std::size_t index, std::vector<WindowID> e
 }
 
 void CaptureDesktop::openOutput(const xcb_rectangle_t& geometry) {
+    layer->setHost(0);
     m_output = std::make_unique<TestWindow>(
         desktop.displayName(),
         TestWindow::Options{.geometry = geometry, .overrideRedirect = true, .title = "output"});
@@ -69,6 +70,15 @@ std::expected<void, PlatformError> CaptureDesktop::outcomeOfStarting(CaptureStre
 
 void CaptureDesktop::moveOutput(int x, int y) {
     m_output->move(x, y);
+}
+
+void CaptureDesktop::resizeOutput(int width, int height) {
+    m_output->resize(width, height);
+}
+
+std::uint32_t CaptureDesktop::requestCount() const {
+    // Requests are numbered one after the other.
+    return xcb_no_operation(connection->get()).sequence;
 }
 
 void CaptureDesktop::retarget(ContentFilter filter) {

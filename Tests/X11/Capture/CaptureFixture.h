@@ -35,6 +35,7 @@ public:
     /// The output window without a window manager, at this place of the root.
     void openOutput(const xcb_rectangle_t& geometry);
     void moveOutput(int x, int y);
+    void resizeOutput(int width, int height);
 
     [[nodiscard]] DisplayFilter display(std::size_t index, std::vector<WindowID> excluded = {});
 
@@ -63,6 +64,8 @@ public:
     std::unique_ptr<x11::X11DisplayLayer> layer;
     std::shared_ptr<CaptureStream> stream;
     int frames = 0;
+    /// How many requests our connection has sent.
+    [[nodiscard]] std::uint32_t requestCount() const;
     std::vector<PlatformError> stops;
 
 private:
