@@ -2,6 +2,10 @@
 
 #include "Platform/Simulated/Misuse.h"
 #include "Platform/Simulated/SimulatedDesktop.h"
+#include "Platform/Simulated/SimulatedDisplayLayer.h"
+
+#include <algorithm>
+#include <cmath>
 
 namespace kestrove {
 
@@ -25,6 +29,23 @@ void SimulatedViews::destroyView(NativeViewHandle view) {
     if (found->second)
         abortOnMisuse("a view destroyed with its display layer in it");
     m_views.erase(found);
+}
+
+SimulatedColor SimulatedViews::colorInView(NativeViewHandle view, Size pixels, Point pixel) const {
+    const auto found = m_views.find(view);
+    if (found == m_views.end())
+        abortOnMisuse("looking at a view that does not exist");
+    const auto frame = found->second ? found->second->visible() : nullptr;
+    if (!frame)
+        return {};
+    const Size size{static_cast<double>(frame->configuration.width),
+                    static_cast<double>(frame->configuration.height)};
+    const auto scale = std::min(pixels.width / size.width, pixels.height / size.height);
+    const Point inFrame{(pixel.x + 0.5 - (pixels.width - size.width * scale) / 2) / scale,
+                        (pixel.y + 0.5 - (pixels.height - size.height * scale) / 2) / scale};
+    if (!Rect{0, 0, size.width, size.height}.contains(inFrame))
+        return {};
+    return frame->colorAt({std::floor(inFrame.x), std::floor(inFrame.y)});
 }
 
 void SimulatedViews::attach(NativeViewHandle view, SimulatedDisplayLayer& layer) {

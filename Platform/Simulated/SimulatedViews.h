@@ -1,6 +1,8 @@
 #pragma once
 
 #include "Desktop/DisplayLayer.h"
+#include "Desktop/Geometry.h"
+#include "Platform/Simulated/SimulatedWorld.h"
 
 #include <map>
 
@@ -20,6 +22,10 @@ public:
     void adoptView(NativeViewHandle view);
     /// Ends the process when a layer still lies in the view.
     void destroyView(NativeViewHandle view);
+
+    /// What is seen at a pixel, counted from the top left, of a view of this size in pixels. Black
+    /// where no layer shows anything.
+    [[nodiscard]] SimulatedColor colorInView(NativeViewHandle view, Size pixels, Point pixel) const;
 
     // For the display layer.
     void attach(NativeViewHandle view, SimulatedDisplayLayer& layer);
