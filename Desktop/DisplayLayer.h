@@ -30,11 +30,14 @@ public:
     DisplayLayer& operator=(const DisplayLayer&) = delete;
     virtual ~DisplayLayer() = default;
 
-    /// Puts the layer into `host`, filling it and following its size; 0 takes it out. The host must
-    /// be taken away before it is destroyed. A layer without a host keeps its frame.
+    /// Puts the layer into `host`, filling it and following its size; 0 takes it out. One layer a
+    /// host. The host must be taken away before it is destroyed; a layer that is destroyed leaves
+    /// its host. A layer without a host keeps its frame.
     virtual void setHost(NativeViewHandle host) = 0;
 
-    /// Shows `sample` from now on. Samples of another platform's capture make the layer fail.
+    /// Shows `sample` from now on; ignored while the layer has failed. `sample` is a valid screen
+    /// sample with a picture (its frame status is complete or absent). Samples of another
+    /// platform's capture make the layer fail.
     virtual void enqueue(SampleBufferPointer sample) = 0;
 
     /// Drops what is shown and queued: the layer is black when this returns, for everyone who asks

@@ -25,6 +25,7 @@ using HotKeyReference = std::uint64_t;
 /// System-wide hot keys: they reach the program whatever application has the focus.
 ///
 /// Thread: main. Synchronous; the handler comes from the main loop.
+/// Lifetime: what is still registered when the service is destroyed is given back.
 class HotKeys {
 public:
     using Handler = std::function<void(HotKeyIdentifier)>;
@@ -34,7 +35,8 @@ public:
     HotKeys& operator=(const HotKeys&) = delete;
     virtual ~HotKeys() = default;
 
-    /// Told of every press of every registered hot key, once a press however long it is held.
+    /// Told of every press of every registered hot key, once a press however long it is held. Each
+    /// handler that is installed is told.
     [[nodiscard]] virtual std::expected<Subscription, HotKeyStatus>
     installHandler(Handler handler) = 0;
 
@@ -43,7 +45,7 @@ public:
     [[nodiscard]] virtual std::expected<HotKeyReference, HotKeyStatus>
     registerHotKey(std::uint32_t keyCode, std::uint32_t modifiers, HotKeyIdentifier identifier) = 0;
 
-    /// 0, or why the hot key is still registered.
+    /// 0, or why the hot key is still registered. `reference` is of a hot key that is registered.
     [[nodiscard]] virtual HotKeyStatus unregisterHotKey(HotKeyReference reference) = 0;
 };
 

@@ -97,7 +97,8 @@ enum class ColorSpace { sRGB };
 struct StreamConfiguration {
     StreamConfiguration() = default;
 
-    /// Frames never come closer together than this; they come only when something changed.
+    /// Frames never come closer together than this, but for the whole frame after a start or an
+    /// update, which comes at once; they come only when something changed.
     MediaTime minimumFrameInterval;
     PixelFormat pixelFormat = PixelFormat::bgra32;
     bool showsCursor = false;
@@ -124,11 +125,14 @@ using SampleHandler = std::function<void(SampleBufferPointer)>;
 /// that the user of the stream asked for.
 using StopHandler = std::function<void(PlatformError)>;
 
-/// A live capture of one filter. Created stopped.
+/// A live capture of one filter. Created stopped; it runs once: after its start has failed, after
+/// a stop and after the stop report it is only good for being destroyed.
 ///
-/// Thread: main. Tasks may be dropped at any time; the operation then still takes effect.
-/// Lifetime: destroying a started stream stops it. After a stop was asked for, or after the stop
-/// report, no further sample is handed to the queue.
+/// Thread: main. An operation begins when its task is first awaited; the task may be dropped at any
+/// time, the operation then still takes effect.
+/// Lifetime: destroying a stream that starts or runs stops it, without a stop report. After a stop
+/// was asked for, or after the stop report, no further sample is handed to the queue; one that was
+/// handed to it before still reaches the handler.
 class CaptureStream {
 public:
     CaptureStream() = default;
@@ -140,14 +144,18 @@ public:
     virtual std::expected<void, PlatformError> addScreenOutput(std::shared_ptr<SerialQueue> queue,
                                                                SampleHandler handler) = 0;
 
-    /// The first frame, a whole one, follows without waiting for a change.
+    /// Once, after `addScreenOutput`. Fails when the display or window of the filter does not
+    /// exist. The first frame, a whole one, follows without waiting for a change.
     [[nodiscard]] virtual Task<std::expected<void, PlatformError>> startCapture() = 0;
+    /// After `startCapture` was asked for. Always answered, also for a stream that has ended by
+    /// itself meanwhile; whatever the answer, the stream is stopped.
     [[nodiscard]] virtual Task<std::expected<void, PlatformError>> stopCapture() = 0;
 
-    /// Retarget a running stream. A whole frame follows each of them that succeeds, also when the
-    /// new value equals the old; it may arrive before the task goes on. When one fails, the stream
-    /// goes on with what it had. A sample is captured through the newest filter that was accepted
-    /// when its configuration was, or through a later one.
+    /// Retarget a running stream; both fail for one that does not run any more. A whole frame
+    /// follows each of them that succeeds, also when the new value equals the old; it may arrive
+    /// before the task goes on. When one fails, the stream goes on with what it had. A sample is
+    /// captured through the newest filter that was accepted when its configuration was, or through
+    /// a later one.
     [[nodiscard]] virtual Task<std::expected<void, PlatformError>>
     updateContentFilter(ContentFilter filter) = 0;
     [[nodiscard]] virtual Task<std::expected<void, PlatformError>>
@@ -178,7 +186,8 @@ public:
     [[nodiscard]] virtual std::shared_ptr<CaptureStream>
     makeStream(ContentFilter filter, StreamConfiguration configuration, StopHandler stopped) = 0;
 
-    /// One picture of what the filter shows now, scaled to the configuration's size.
+    /// One picture of what the filter shows now, fitted into the configuration's size, the rest
+    /// black. Fails when the display or window does not exist or the size is not at least 1 by 1.
     [[nodiscard]] virtual Task<std::expected<StillImage, PlatformError>>
     captureImage(ContentFilter filter, StreamConfiguration configuration) = 0;
 };

@@ -37,7 +37,8 @@ public:
     [[nodiscard]] virtual std::optional<RunningApplication>
     runningApplication(ProcessID process) = 0;
 
-    /// Another application came to the front.
+    /// Another application came to the front; not told when only another window of the same one
+    /// did.
     [[nodiscard]] virtual Subscription onApplicationActivated(ApplicationCallback callback) = 0;
     /// An application that had windows has ended, however it ended.
     [[nodiscard]] virtual Subscription onApplicationTerminated(ApplicationCallback callback) = 0;

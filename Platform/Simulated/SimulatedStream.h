@@ -19,8 +19,8 @@ class SimulatedDesktop;
 /// their way. `SimulatedCaptureStream` is its user's side.
 ///
 /// A frame comes when what the filter shows has changed, no sooner than the minimum interval after
-/// the last one; while as many samples as the queue is deep have not been let go of, changes are
-/// merged into the frame that follows.
+/// the last one, and at once after a start or an update; while as many samples as the queue is deep
+/// have not been let go of, changes are merged into the frame that follows.
 ///
 /// Thread: main, but for the samples.
 class SimulatedStream : public std::enable_shared_from_this<SimulatedStream> {

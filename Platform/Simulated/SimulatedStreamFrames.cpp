@@ -40,13 +40,14 @@ void SimulatedStream::worldChanged() {
 void SimulatedStream::deliverWholeFrame() {
     m_lastPicture.reset();
     m_mustDeliver = true;
-    deliverWhenDue();
+    m_nextDelivery.cancel();
+    deliverNow();
 }
 
 void SimulatedStream::deliverWhenDue() {
     const auto wait =
         m_lastDelivery + seconds(m_configuration.minimumFrameInterval) - m_desktop.loop().now();
-    if (m_frameCount == 0 || wait <= Seconds(0))
+    if (wait <= Seconds(0))
         deliverNow();
     else if (!m_nextDelivery.isPending())
         m_nextDelivery = m_desktop.loop().runAfter(wait, [this] { deliverNow(); });
