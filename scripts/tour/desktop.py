@@ -3,6 +3,7 @@
 import ctypes
 import os
 import pathlib
+import re
 import signal
 import subprocess
 import tempfile
@@ -100,11 +101,16 @@ class Desktop:
 
     def plug(self, name):
         x, y, width, height = DISPLAYS[name]
-        # The server has one real output; the first display takes it.
-        output = "screen" if name == "LEFT" else "none"
+        # The server has one real output. The display that stays has it: of an output that belongs
+        # to no display the server would make one more.
+        output = "screen" if name == "RIGHT" else "none"
+        primary = "*" if name == "LEFT" else ""
         millimetres = width * 254 // 960, height * 254 // 960
-        self.run("xrandr", "--setmonitor", name,
+        self.run("xrandr", "--setmonitor", primary + name,
                  f"{width}/{millimetres[0]}x{height}/{millimetres[1]}+{x}+{y}", output)
+
+    def unplug(self, name):
+        self.run("xrandr", "--delmonitor", name)
 
     def start_session(self):
         self.start("dbus-daemon", "--session", "--nofork", "--nopidfile",
@@ -126,9 +132,13 @@ class Desktop:
 
     def geometry(self, window):
         """x, y, width, height of its content in root pixels."""
-        values = dict(line.split("=") for line in
-                      self.run("xdotool", "getwindowgeometry", "--shell", window).split())
-        return tuple(int(values[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))
+        text = self.run("xwininfo", "-id", window)
+        return tuple(int(re.search(label + r":\s+(-?\d+)", text).group(1)) for label in (
+            "Absolute upper-left X", "Absolute upper-left Y", "Width", "Height"))
 
     def move_pointer(self, x, y):
-        self.run("xdotool", "mousemove", str(x), str(y))
+        """As a mouse does: a bare jump to a place makes no raw motion, which programs listen to."""
+        self.run("xdotool", "mousemove", str(x - 1), str(y), "mousemove_relative", "1", "0")
+        place = self.run("xdotool", "getmouselocation").split()
+        if place[:2] != [f"x:{x}", f"y:{y}"]:
+            raise RuntimeError(f"the pointer is at {place[:2]}")

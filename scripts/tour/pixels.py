@@ -1,7 +1,6 @@
-"""Pictures of the root window: taken, cut, compared, kept as PNG. Standard library only."""
+"""Pictures: cut, compared, kept as PNG. Standard library only."""
 
 import struct
-import subprocess
 import zlib
 
 
@@ -49,21 +48,6 @@ class Picture:
         with open(path, "wb") as file:
             file.write(b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header) +
                        chunk(b"IDAT", zlib.compress(lines, 6)) + chunk(b"IEND", b""))
-
-
-def take(environment):
-    """What is on the whole screen, without the pointer."""
-    dump = subprocess.run(["xwd", "-root", "-silent"], env=environment, check=True,
-                          capture_output=True).stdout
-    header = struct.unpack(">25I", dump[:100])
-    size, width, height, byte_order, bits, stride, colours = (
-        header[0], header[4], header[5], header[7], header[11], header[12], header[19])
-    if bits != 32 or byte_order != 0 or stride != 4 * width:
-        raise ValueError("an X server of another pixel format")
-    start = size + 12 * colours
-    data = bytearray(dump[start: start + stride * height])
-    data[3::4] = bytes(width * height)  # undefined on the wire
-    return Picture(width, height, bytes(data))
 
 
 def differing_pixels(first, second, holes=()):

@@ -1,45 +1,59 @@
 """The desktop of the tour with Kestrove on it, and what a user does there."""
 
+import contextlib
 import os
 import signal
 
-import pixels
+from camera import Camera
 from desktop import DISPLAYS, wait_until
 
 CURSOR = 40  # pixels to each side of the pointer in which its picture may lie
 
-# Something that moves on each display: (name, command, where xterm and clock go).
-SCROLLING = ("n=0; while :; do n=$((n + 1)); "
+# It tells its process, so that it can be held while its terminal goes on painting: a program that
+# cannot paint loses what another window has covered.
+SCROLLING = ("echo $$ > {pid}; n=0; while :; do n=$((n + 1)); "
              "printf '%6d  the quick brown fox jumps over the lazy dog\\n' $n; sleep 0.1; done")
-
-
-def _terminal(title, place, text=SCROLLING):
-    return ("xterm", "-title", title, "-fa", "DejaVu Sans Mono", "-fs", "11", "-bg", "#10202c",
-            "-fg", "#d8e6ee", "-geometry", place, "-e", "sh", "-c", text)
 
 
 class Session:
     def __init__(self, desktop, program):
         self.desktop = desktop
         self.program = program
+        self.camera = Camera(desktop.environment["DISPLAY"])
         self.pointer = (0, 0)
-        self.moving = {"LEFT": [], "RIGHT": []}
+        self.moving = {"LEFT": [], "RIGHT": []}  # process identifiers
+        self.terminal = None
         self.kestrove = None
         self.window = None
 
     # Programs.
 
     def start_programs(self):
-        start = self.desktop.start
-        self.moving["LEFT"] = [
-            start(*_terminal("display 1", "72x24+330+60"), log="xterm-1"),
-            start("xclock", "-update", "1", "-geometry", "220x220+50+60", log="xclock-1"),
-            start("xeyes", "-geometry", "220x150+50+360", log="xeyes-1")]
-        self.moving["RIGHT"] = [
-            start(*_terminal("display 2", "80x30+1480+120"), log="xterm-2"),
-            start("xclock", "-update", "1", "-geometry", "300x300+2480+560", log="xclock-2")]
-        for name in ("display 1", "display 2", "xclock", "xeyes"):
+        self.terminal = self._start_terminal("LEFT", "display 1", "72x24+330+60")
+        self._start_terminal("RIGHT", "display 2", "80x30+1480+120")
+        # Never covered, so it may be held whole.
+        clock = self.desktop.start("xclock", "-update", "1", "-geometry", "220x220+50+60")
+        self.moving["LEFT"].append(clock.pid)
+        self.desktop.start("xeyes", "-geometry", "220x150+50+360")
+        self.desktop.start("xlogo", "-geometry", "300x300+2480+560")
+        for name in ("display 1", "display 2", "xclock", "xeyes", "xlogo"):
             wait_until(lambda name=name: self.desktop.find_window(name), f"the window {name}")
+
+    def _start_terminal(self, display, title, place):
+        file = self.desktop.home / f"{title}.pid"
+        terminal = self.desktop.start(
+            "xterm", "-title", title, "-fa", "DejaVu Sans Mono", "-fs", "11", "-bg", "#10202c",
+            "-fg", "#d8e6ee", "-geometry", place, "-e", "sh", "-c",
+            SCROLLING.format(pid=f"'{file}'"))
+        wait_until(lambda: file.exists() and file.read_text().strip(), f"the terminal {title}")
+        self.moving[display].append(int(file.read_text()))
+        return terminal
+
+    def kill_terminal(self):
+        """That of display 1, and with it what runs in it."""
+        self.moving["LEFT"].pop(0)  # the number may be another program's soon
+        self.desktop.end(self.terminal)
+        wait_until(lambda: not self.desktop.find_window("display 1"), "the terminal to go")
 
     def freeze(self, *displays):
         """Stops what moves there, and returns when the picture has come to rest."""
@@ -59,13 +73,13 @@ class Session:
 
     def _signal(self, display, number):
         for process in self.moving[display]:
-            if process.poll() is None:
-                os.killpg(process.pid, number)
+            with contextlib.suppress(ProcessLookupError):
+                os.kill(process, number)
 
     # Pictures.
 
     def screen(self):
-        return pixels.take(self.desktop.environment)
+        return self.camera.take()
 
     def display(self, name, screen=None):
         return (screen or self.screen()).cut(*DISPLAYS[name])
@@ -107,7 +121,7 @@ class Session:
 
     def _is_near(self, x, y):
         left, top, _, _ = self.desktop.geometry(self.window)
-        return 0 <= left - x <= 60 and 0 <= top - y <= 60
+        return abs(left - x) <= 60 and abs(top - y) <= 60
 
     def press(self, *keys):
         """In the output window. The keyboard, because the pointer has its own work here."""

@@ -9,7 +9,6 @@ import shutil
 import signal
 import sys
 
-import pixels
 from desktop import DISPLAYS, FRAMEBUFFER, Desktop, wait_until
 from report import Report
 from session import Session
@@ -66,7 +65,7 @@ def main(program, folder, keep):
             Walk(session, report).everything()
         except (TimeoutError, RuntimeError, ValueError) as error:
             report.stop("interrupted", "the tour could not go on", str(error), False,
-                        pixels.take(desktop.environment))
+                        session.screen())
         print("\n" + report.table())
         print(f"\nPictures: {folder}. Logs: {folder / 'logs'}.")
         if keep:

@@ -117,6 +117,8 @@ class Walk:
         session = self.session
         session.thaw("RIGHT")
         session.move_pointer(200, 700)
+        # The window takes the display's proportions when it turns to it: size it after that.
+        self._equals_scaled("LEFT", session.display("LEFT"))
         session.place_output(*FULL)
         passed, seen, screen = self._equals("LEFT")
         self.report.stop("pointer-back", "pointer back to display 1", seen, passed, screen)
@@ -133,8 +135,7 @@ class Walk:
         session = self.session
         session.place_output(*FULL)
         before = session.display("LEFT")
-        session.desktop.end(session.moving["LEFT"][0])
-        wait_until(lambda: not session.desktop.find_window("display 1"), "the terminal to go")
+        session.kill_terminal()
         passed, seen, screen = self._equals("LEFT")
         gone = pixels.differing_pixels(session.display("LEFT", screen), before)
         self.report.stop("kill-a-program", "kill the terminal on display 1",
@@ -166,7 +167,7 @@ class Walk:
         self.report.stop("start", "start with the space key", seen, passed, screen)
 
     def unplug_the_shared_display(self):
-        self.session.desktop.run("xrandr", "--delmonitor", "LEFT")
+        self.session.desktop.unplug("LEFT")
         passed, seen, screen = self._settled(self._is_placeholder)
         self.report.stop("unplug", "pull out the shared display", seen, passed, screen)
 

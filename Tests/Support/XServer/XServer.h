@@ -47,7 +47,8 @@ public:
     /// Not the last one.
     void removeMonitor(std::string_view name);
 
-    /// The pointer as a mouse moves it (XTEST): raw motion events are sent too. Root pixels.
+    /// The pointer as a mouse moves it (XTEST), in root pixels. A program's own warp would make no
+    /// raw motion events, which is what followers of the pointer listen to.
     void movePointer(int x, int y);
 
     /// What a crash of the server is to its clients. The fixture's own connection is gone too.
