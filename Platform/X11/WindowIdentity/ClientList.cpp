@@ -61,6 +61,12 @@ std::vector<xcb_window_t> topLevels(Connection& connection,
     return found;
 }
 
+bool isViewable(Connection& connection, xcb_window_t window) {
+    const auto attributes = connection.reply(xcb_get_window_attributes_reply,
+                                             xcb_get_window_attributes(connection.get(), window));
+    return attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
+}
+
 /// The top levels that stand for themselves: mapped, with a picture, and, where a window manager
 /// looks after the others, override-redirect.
 std::vector<bool> standAlone(Connection& connection, std::span<const xcb_window_t> windows,
@@ -114,9 +120,9 @@ xcb_window_t readActiveWindow(Connection& connection) {
         const auto listed = askProperty(connection, connection.root(), "_NET_CLIENT_LIST");
         const auto active = hearWord(connection, told);
         const auto clients = hearWords(connection, listed);
-        // openbox goes on naming the last window it managed.
+        // openbox goes on naming the last window when none has the focus any more.
         const bool isManaged = active && std::ranges::find(clients, *active) != clients.end();
-        return isManaged ? *active : XCB_WINDOW_NONE;
+        return isManaged && isViewable(connection, *active) ? *active : XCB_WINDOW_NONE;
     }
     const auto focus =
         connection.reply(xcb_get_input_focus_reply, xcb_get_input_focus(connection.get()));
