@@ -33,8 +33,9 @@ void RawMotion::select() {
         std::uint32_t mask;
     } selection{{XCB_INPUT_DEVICE_ALL_MASTER, 1},
                 m_listeners > 0 ? XCB_INPUT_XI_EVENT_MASK_RAW_MOTION : 0U};
-    xcb_input_xi_select_events(m_connection.get(), m_connection.root(), 1, &selection.head);
-    m_connection.flush();
+    // Waited for: whoever listens is told of every move from now on.
+    (void)m_connection.succeeded(xcb_input_xi_select_events_checked(
+        m_connection.get(), m_connection.root(), 1, &selection.head));
 }
 
 void RawMotion::onEvent(const xcb_generic_event_t& event) {

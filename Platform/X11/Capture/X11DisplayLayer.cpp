@@ -70,6 +70,9 @@ void X11DisplayLayer::destroyWindow() {
 }
 
 void X11DisplayLayer::enqueue(SampleBufferPointer sample) {
+    // Only a flush makes it try anew.
+    if (m_status == DisplayLayerStatus::failed)
+        return;
     const auto* const frame = dynamic_cast<const FrameSample*>(sample.get());
     if (!frame || !frame->isValid() || !frame->content().surface->isValid()) {
         m_status = DisplayLayerStatus::failed;
