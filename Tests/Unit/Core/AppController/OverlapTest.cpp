@@ -1,0 +1,115 @@
+#include "Tests/Unit/Core/AppController/ControllerBench.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+
+// What an earlier session or an earlier request left at the engine or the lister, coming back late.
+
+namespace kestrove {
+namespace {
+
+using State = CaptureSessionState;
+using Order = AwaitGate::Order;
+using Events = std::vector<std::string>;
+
+void letThrough(ControllerBench& bench, Order order) {
+    bench.gate.letThrough(order);
+    bench.settle();
+}
+
+TEST(AppControllerOverlap, ASwitchOnItsWayShowsNothingWhileTheSessionStopsItself) {
+    ControllerBench bench;
+    bench.create();
+    bench.startAndRun();
+    bench.gate.hold();
+    bench.pointAt(2);
+    bench.lister.failure = PlatformError("X11", 1);
+    bench.permission = ScreenRecordingPermission::revoked;
+    bench.scheduler.tick();
+    bench.settle();
+    letThrough(bench, Order::newestFirst);
+    ASSERT_EQ(bench.gate.waiting(), (Events{"engine switch display 2", "engine stop"}));
+    (void)bench.events();
+    letThrough(bench, Order::oldestFirst);
+    EXPECT_EQ(bench.events(), Events());
+    bench.gate.open();
+    bench.settle();
+    EXPECT_EQ(bench.state(), State::permissionRequired(ScreenRecordingPermission::revoked));
+    EXPECT_EQ(bench.engine.currentSource(), std::nullopt);
+}
+
+TEST(AppControllerOverlap, ALateStopDoesNotLeaveTheNextSessionWithoutItsStream) {
+    ControllerBench bench;
+    bench.create();
+    bench.startAndRun();
+    bench.gate.hold();
+    bench.controller->stop();
+    bench.controller->stop();
+    bench.settle();
+    letThrough(bench, Order::oldestFirst);
+    ASSERT_EQ(bench.state(), State::stopped());
+    bench.controller->start();
+    bench.settle();
+    letThrough(bench, Order::newestFirst);
+    letThrough(bench, Order::newestFirst);
+    ASSERT_EQ(bench.state(), State::running());
+    ASSERT_EQ(bench.gate.waiting(), Events{"engine stop"});
+    bench.gate.open();
+    bench.settle();
+    EXPECT_EQ(bench.state(), State::running());
+    EXPECT_EQ(bench.engine.currentSource(), display1);
+}
+
+TEST(AppControllerOverlap, ALateRecoveryDoesNotBeginTheNextSessionsFollowing) {
+    ControllerBench bench;
+    bench.create();
+    bench.startAndRun();
+    bench.engine.failFor(display2, PlatformError("X11", 1));
+    bench.gate.hold();
+    bench.pointAt(2);
+    letThrough(bench, Order::oldestFirst);
+    letThrough(bench, Order::oldestFirst);
+    ASSERT_EQ(bench.gate.waiting(), Events{"fetch"});
+    bench.controller->stop();
+    bench.settle();
+    letThrough(bench, Order::newestFirst);
+    ASSERT_EQ(bench.state(), State::stopped());
+    bench.engine.failures.clear();
+    bench.controller->start();
+    bench.settle();
+    ASSERT_EQ(bench.gate.waiting(), (Events{"fetch", "engine switch display 2"}));
+    letThrough(bench, Order::oldestFirst);
+    EXPECT_EQ(bench.state(), State::switching());
+    EXPECT_FALSE(bench.scheduler.isScheduled());
+    bench.gate.open();
+    bench.settle();
+    EXPECT_EQ(bench.active(), display2);
+    EXPECT_TRUE(bench.scheduler.isScheduled());
+}
+
+TEST(AppControllerOverlap, ALateStartDoesNotSwitchInTheNextSession) {
+    ControllerBench bench;
+    bench.create();
+    bench.startAndRun();
+    bench.controller->stop();
+    bench.settle();
+    bench.gate.hold();
+    bench.controller->start();
+    bench.settle();
+    bench.controller->stop();
+    bench.settle();
+    letThrough(bench, Order::newestFirst);
+    ASSERT_EQ(bench.state(), State::stopped());
+    bench.controller->start();
+    bench.settle();
+    ASSERT_EQ(bench.gate.waiting(), (Events{"fetch", "engine switch display 1"}));
+    (void)bench.events();
+    bench.gate.open();
+    bench.settle();
+    const auto calls = bench.events();
+    EXPECT_EQ(std::ranges::count(calls, "engine switch display 1"), 0);
+    EXPECT_EQ(bench.state(), State::running());
+}
+
+} // namespace
+} // namespace kestrove
