@@ -3,15 +3,22 @@
 namespace kestrove {
 
 AppDelegate::AppDelegate(Application& application, AppSettings& settings, AppController& controller,
-                         OutputWindowControlling& outputWindow)
+                         OutputWindowControlling& outputWindow,
+                         OutputContentControlling& outputContent)
     : m_application(application)
     , m_settings(settings)
     , m_controller(controller)
-    , m_outputWindow(outputWindow) {
+    , m_outputWindow(outputWindow)
+    , m_outputContent(outputContent) {
     // Back from the system's settings, perhaps: an idle session shows what has become of the
     // permission.
     m_becameActive =
         application.onBecameActive([this] { m_controller.refreshIdlePermissionState(); });
+    // The stopped engine has left an empty, black output: the call should see that this is meant.
+    m_sessionState = controller.sessionState().subscribe([this](const CaptureSessionState& state) {
+        if (state == CaptureSessionState::stopped())
+            m_outputContent.setContentView(nullptr);
+    });
 }
 
 void AppDelegate::applicationDidFinishLaunching() {

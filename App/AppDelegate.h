@@ -14,7 +14,7 @@ namespace kestrove {
 class AppDelegate {
 public:
     AppDelegate(Application& application, AppSettings& settings, AppController& controller,
-                OutputWindowControlling& outputWindow);
+                OutputWindowControlling& outputWindow, OutputContentControlling& outputContent);
 
     /// The main loop runs from now on: shows the application and, when the user wants that, starts
     /// to share.
@@ -35,7 +35,9 @@ private:
     AppSettings& m_settings;
     AppController& m_controller;
     OutputWindowControlling& m_outputWindow;
+    OutputContentControlling& m_outputContent;
     Subscription m_becameActive;
+    Subscription m_sessionState;
 };
 
 } // namespace kestrove

@@ -55,7 +55,7 @@ KestroveApp::KestroveApp(KestroveGround ground)
                      {m_settings.alwaysOnTop.get(), m_settings.hideOutputWindow.get()},
                      windowPlatform(ground))
     , m_controller(collaborators(ground))
-    , m_appDelegate(m_application, m_settings, m_controller, m_outputWindow) {}
+    , m_appDelegate(m_application, m_settings, m_controller, m_outputWindow, m_outputContainer) {}
 
 OutputWindowPlatform KestroveApp::windowPlatform(KestroveGround ground) {
     auto makeWindow = [this, ground](const Rect& contentRect, WindowStyle style) {

@@ -62,7 +62,8 @@ public:
     /// Begins sharing, unless it is on or on its way to or from it. Asks for the permission, which
     /// may run a dialog of the desktop or of ours.
     void start();
-    /// Ends sharing, unless it is off. The output keeps its last frame until the next switch.
+    /// Ends sharing, unless it is off. The engine empties the output; what the window then says is
+    /// the application's.
     void stop();
     /// While the session is stopped, shows a missing permission without waiting for a start.
     void refreshIdlePermissionState();
