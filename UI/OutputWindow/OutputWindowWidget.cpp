@@ -2,6 +2,7 @@
 
 #include <QCloseEvent>
 #include <QContextMenuEvent>
+#include <QCoreApplication>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QWindow>
@@ -34,6 +35,19 @@ void OutputWindowWidget::setContent(QWidget& content) {
 void OutputWindowWidget::releaseContent() {
     if (auto* const content = std::exchange(m_content, nullptr))
         content->setParent(nullptr);
+}
+
+void OutputWindowWidget::adoptNativeGeometry() {
+    // By the events that were missed: setting the geometry would ask the window manager once more.
+    auto* const native = windowHandle();
+    if (isVisible() && native->geometry().topLeft() != geometry().topLeft()) {
+        QMoveEvent missed(native->geometry().topLeft(), geometry().topLeft());
+        QCoreApplication::sendEvent(native, &missed);
+    }
+    if (isVisible() && native->geometry().size() != size()) {
+        QResizeEvent missed(native->geometry().size(), size());
+        QCoreApplication::sendEvent(native, &missed);
+    }
 }
 
 void OutputWindowWidget::moveEvent(QMoveEvent* event) {

@@ -19,6 +19,11 @@ public:
     /// Takes the content out, so that its owner can destroy it.
     void releaseContent();
 
+    /// Takes the place and the size that the native window has. Qt does so itself, but for one
+    /// case: when the window manager refuses what was asked for and keeps what was, it tells
+    /// nobody.
+    void adoptNativeGeometry();
+
     Signal<> moved;
     /// What was drawn last is gone, or was never there: the window manager has just put the window
     /// on the desktop, or back in sight.

@@ -20,6 +20,10 @@ constexpr Seconds restAfterResizing{0.3};
 /// For so long after the program set a frame, what the window manager makes of it is its answer and
 /// not the user's doing.
 constexpr Seconds answerOfTheWindowManager{0.5};
+/// A refusal is not told, so it is looked for this often, and a busy window manager's for this
+/// long.
+constexpr Seconds refusalIsLookedForEvery{0.05};
+constexpr Seconds refusalIsLookedForUntil{2};
 
 Rect toRect(const QRect& rect) {
     return {static_cast<double>(rect.x()), static_cast<double>(rect.y()),
@@ -113,6 +117,7 @@ void QtOutputWindow::setFrame(const Rect& frame, Redisplay /*redisplay*/) {
     m_widget.setGeometry(toPixels(coordinates().toToolkit(contentRect(frame))));
     m_requested = Requested{frame, m_widget.geometry()};
     applyAspectRatio();
+    awaitAnswer();
 }
 
 Rect QtOutputWindow::contentRect(const Rect& frame) const {
@@ -252,6 +257,14 @@ void QtOutputWindow::adoptDecorations() {
 void QtOutputWindow::resizedByDesktop() {
     if (m_loop.now() - m_lastRequest > answerOfTheWindowManager)
         m_resizeRests.schedule();
+}
+
+void QtOutputWindow::awaitAnswer() {
+    m_answer = m_loop.runAfter(refusalIsLookedForEvery, [this] {
+        m_widget.adoptNativeGeometry();
+        if (m_loop.now() - m_lastRequest < refusalIsLookedForUntil)
+            awaitAnswer();
+    });
 }
 
 } // namespace kestrove

@@ -3,6 +3,7 @@
 #include "Async/Debouncer.h"
 #include "Async/Signal.h"
 #include "Async/TaskScope.h"
+#include "Async/Timer.h"
 #include "Desktop/Screens.h"
 #include "UI/OutputWindow/NativeWindowRequests.h"
 #include "UI/OutputWindow/OutputWindow.h"
@@ -82,6 +83,7 @@ private:
     void applyAspectRatio();
     void adoptDecorations();
     void resizedByDesktop();
+    void awaitAnswer();
 
     MainLoop& m_loop;
     Screens& m_screens;
@@ -95,6 +97,7 @@ private:
     bool m_isOnAllWorkspaces = false;
     Signal<> m_liveResizeEnded;
     Debouncer m_resizeRests;
+    Timer m_answer;
     std::vector<Subscription> m_subscriptions;
     TaskScope m_scope;
 };
