@@ -65,6 +65,13 @@ void PixelImage::writePng(const std::filesystem::path& path) const {
     }
 }
 
+bool areAlike(const PixelImage& actual, const PixelImage& expected, int tolerance) {
+    return actual.width == expected.width && actual.height == expected.height &&
+           std::ranges::equal(actual.pixels, expected.pixels, [&](auto one, auto other) {
+               return distance(one, other) <= tolerance;
+           });
+}
+
 testing::AssertionResult samePixels(const PixelImage& actual, const PixelImage& expected,
                                     std::string_view name, int tolerance) {
     if (actual.width != expected.width || actual.height != expected.height) {

@@ -22,9 +22,11 @@ struct PixelImage {
     void writePng(const std::filesystem::path& path) const;
 };
 
-/// For EXPECT_TRUE: equal in size and, channel by channel but for the alpha, no further apart than
-/// `tolerance`. When not, it tells the first pixel that differs and how many do, and writes
-/// NAME-actual.png and NAME-expected.png to the build folder's failures/.
+/// Equal in size and, channel by channel but for the alpha, no further apart than `tolerance`.
+[[nodiscard]] bool areAlike(const PixelImage& actual, const PixelImage& expected, int tolerance);
+
+/// For EXPECT_TRUE: alike. When not, it tells the first pixel that differs and how many do, and
+/// writes NAME-actual.png and NAME-expected.png to the build folder's failures/.
 [[nodiscard]] testing::AssertionResult samePixels(const PixelImage& actual,
                                                   const PixelImage& expected, std::string_view name,
                                                   int tolerance = 0);

@@ -2,6 +2,7 @@
 
 #include "Tests/Support/Processes/LinePipe.h"
 #include "Tests/Support/Processes/Waiting.h"
+#include "Tests/Support/XServer/FakeInput.h"
 #include "Tests/Support/XServer/RawRequest.h"
 #include "Tests/Support/XServer/Reply.h"
 
@@ -154,35 +155,43 @@ void XServer::sendMonitor(const Monitor& monitor) {
 }
 
 void XServer::movePointer(int x, int y) {
-    // The one request of XTEST that is needed; its library would be one more dependency.
-    struct FakeInput {
-        std::uint8_t type;
-        std::uint8_t detail;
-        std::uint16_t padding1;
-        std::uint32_t time;
-        xcb_window_t root;
-        std::uint32_t padding2[2];
-        std::int16_t x;
-        std::int16_t y;
-        std::uint8_t padding3[7];
-        std::uint8_t device;
-    };
-    static_assert(sizeof(FakeInput) == 32);
-    constexpr std::uint8_t fakeInputOpcode = 2;
-    static xcb_extension_t xtest{"XTEST", 0};
-    FakeInput body{};
-    body.type = XCB_MOTION_NOTIFY;
-    body.root = root();
-    body.x = static_cast<std::int16_t>(x);
-    body.y = static_cast<std::int16_t>(y);
-    const auto sent =
-        sendRawRequest(m_connection, xtest, fakeInputOpcode, std::as_bytes(std::span(&body, 1)));
-    xcb_discard_reply(m_connection, sent.sequence);
+    sendFakeInput(m_connection, {.type = XCB_MOTION_NOTIFY, .root = root(), .x = x, .y = y});
     const auto cookie = xcb_query_pointer(m_connection, root());
     const Reply reply(xcb_query_pointer_reply(m_connection, cookie, nullptr));
     if (!reply || reply->root_x != x || reply->root_y != y) {
         giveUp(fmt::format("the pointer is not at {},{}", x, y));
     }
+}
+
+void XServer::click(std::uint8_t button) {
+    sendFakeInput(m_connection, {.type = XCB_BUTTON_PRESS, .detail = button});
+    sendFakeInput(m_connection, {.type = XCB_BUTTON_RELEASE, .detail = button});
+    sync(m_connection);
+}
+
+void XServer::press(Key key) {
+    const auto code = keyCode(key);
+    sendFakeInput(m_connection, {.type = XCB_KEY_PRESS, .detail = code});
+    sendFakeInput(m_connection, {.type = XCB_KEY_RELEASE, .detail = code});
+    sync(m_connection);
+}
+
+xcb_keycode_t XServer::keyCode(Key key) const {
+    const auto* const setup = xcb_get_setup(m_connection);
+    const auto first = setup->min_keycode;
+    const auto count = static_cast<std::uint8_t>(setup->max_keycode - first + 1);
+    const Reply mapping(xcb_get_keyboard_mapping_reply(
+        m_connection, xcb_get_keyboard_mapping(m_connection, first, count), nullptr));
+    if (mapping) {
+        const std::span symbols(xcb_get_keyboard_mapping_keysyms(mapping.get()),
+                                std::size_t{count} * mapping->keysyms_per_keycode);
+        const auto found = std::ranges::find(symbols, static_cast<xcb_keysym_t>(key));
+        if (found != symbols.end()) {
+            const auto index = static_cast<std::size_t>(found - symbols.begin());
+            return static_cast<xcb_keycode_t>(first + index / mapping->keysyms_per_keycode);
+        }
+    }
+    giveUp(fmt::format("no key has the symbol {:#x}", static_cast<xcb_keysym_t>(key)));
 }
 
 void XServer::kill() {

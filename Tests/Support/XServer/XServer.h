@@ -2,6 +2,7 @@
 
 #include "Tests/Support/Processes/ChildProcess.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -16,6 +17,15 @@ namespace kestrove::test {
 struct Monitor {
     std::string name;
     xcb_rectangle_t geometry;
+};
+
+/// Keys by the symbol that X has on them.
+enum class Key : xcb_keysym_t {
+    space = 0x20,
+    returnKey = 0xff0d,
+    escape = 0xff1b,
+    down = 0xff54,
+    menu = 0xff67,
 };
 
 /// Two displays side by side, as on a desk.
@@ -50,6 +60,10 @@ public:
     /// The pointer as a mouse moves it (XTEST), in root pixels. A program's own warp would make no
     /// raw motion events, which is what followers of the pointer listen to.
     void movePointer(int x, int y);
+    /// A click where the pointer is: 1 is the left button, 3 the right one.
+    void click(std::uint8_t button);
+    /// A key goes down and up, without modifiers, for whoever has the focus or a grab.
+    void press(Key key);
 
     /// What a crash of the server is to its clients. The fixture's own connection is gone too.
     void kill();
@@ -57,6 +71,7 @@ public:
 
 private:
     void sendMonitor(const Monitor& monitor);
+    [[nodiscard]] xcb_keycode_t keyCode(Key key) const;
 
     std::unique_ptr<ChildProcess> m_process;
     std::string m_displayName;

@@ -1,6 +1,7 @@
 #include "Platform/Linux/FileUserDefaults.h"
 
-#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/Processes/FileContent.h"
+#include "Tests/Support/Processes/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -13,6 +14,9 @@
 namespace kestrove {
 namespace {
 
+using test::contentOf;
+using test::setContent;
+
 class FileUserDefaultsTest : public testing::Test {
 protected:
     static UserDefaults::Data bytes(std::string_view text) { return {text.begin(), text.end()}; }
@@ -21,7 +25,7 @@ protected:
         return static_cast<std::size_t>(std::distance(Files(file.parent_path()), Files()));
     }
 
-    TemporaryFolder folder;
+    test::TemporaryFolder folder;
     std::filesystem::path file = folder.path() / "kestrove" / "kestrove.conf";
 };
 

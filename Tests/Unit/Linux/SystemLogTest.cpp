@@ -1,6 +1,6 @@
 #include "Platform/Linux/JournalLog.h"
 
-#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/Processes/TemporaryFolder.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -43,7 +43,7 @@ private:
 };
 
 TEST(JournalLog, SendsTheLineWithItsAreaAsFields) {
-    const TemporaryFolder folder;
+    const test::TemporaryFolder folder;
     const Journal journal(folder.path() / "socket");
     JournalLog log("kestrove", folder.path() / "socket");
     log.write("an.example", "capture-stream", LogLevel::error, "画面 =1");
@@ -55,7 +55,7 @@ TEST(JournalLog, SendsTheLineWithItsAreaAsFields) {
 }
 
 TEST(JournalLog, LetsNoLineBreakForgeAField) {
-    const TemporaryFolder folder;
+    const test::TemporaryFolder folder;
     const Journal journal(folder.path() / "socket");
     JournalLog log("kestrove", folder.path() / "socket");
     log.write("an.example", "", LogLevel::info, "a\nb=c");
@@ -66,7 +66,7 @@ TEST(JournalLog, LetsNoLineBreakForgeAField) {
 }
 
 TEST(JournalLog, FallsBackToStandardErrorWhenNobodyListens) {
-    const TemporaryFolder folder;
+    const test::TemporaryFolder folder;
     JournalLog log("kestrove", folder.path() / "nobody");
     testing::internal::CaptureStderr();
     log.write("an.example", "capture-stream", LogLevel::error, "line");

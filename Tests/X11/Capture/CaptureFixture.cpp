@@ -1,6 +1,5 @@
 #include "Tests/X11/Capture/CaptureFixture.h"
 
-#include <cstdlib>
 #include <utility>
 
 namespace kestrove::test {
@@ -105,26 +104,6 @@ PixelImage CaptureDesktop::output() const {
 PixelImage CaptureDesktop::screen(const xcb_rectangle_t& part) const {
     return readPixels(desktop.connection(), desktop.root(), part);
 }
-
-namespace {
-
-bool areAlike(const PixelImage& actual, const PixelImage& expected, int tolerance) {
-    if (actual.pixels.size() != expected.pixels.size())
-        return false;
-    const auto channel = [](std::uint32_t pixel, unsigned shift) {
-        return static_cast<int>((pixel >> shift) & 0xFFU);
-    };
-    for (std::size_t index = 0; index < actual.pixels.size(); ++index) {
-        for (const unsigned shift : {0U, 8U, 16U}) {
-            if (std::abs(channel(actual.pixels[index], shift) -
-                         channel(expected.pixels[index], shift)) > tolerance)
-                return false;
-        }
-    }
-    return true;
-}
-
-} // namespace
 
 testing::AssertionResult CaptureDesktop::outputBecomes(const PixelImage& expected,
                                                        std::string_view name, int tolerance) {

@@ -1,0 +1,80 @@
+#pragma once
+
+#include "Desktop/Identifiers.h"
+#include "Tests/Support/Processes/ChildProcess.h"
+#include "Tests/Support/XServer/XDesktop.h"
+#include "Tests/X11/Application/PaintedDisplay.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace kestrove::test {
+
+/// The program itself on a desktop of the test's own: two painted displays, the main one on the
+/// left, where the output window opens in the middle.
+class ApplicationFixture : public testing::Test {
+protected:
+    explicit ApplicationFixture(WindowManager manager = WindowManager::openbox);
+
+    static constexpr xcb_rectangle_t leftPlace{0, 0, 640, 512};
+    static constexpr xcb_rectangle_t rightPlace{640, 0, 1280, 800};
+
+    /// What the settings file holds, e.g. "kestrove.autoStart=true\n".
+    void writeSettings(std::string_view text);
+    [[nodiscard]] std::filesystem::path settingsFile() const;
+    /// A manual selection of this one monitor.
+    [[nodiscard]] std::string onlyDisplay(std::string_view monitor);
+
+    /// Starts the program and waits for its window. The settings are those that were written.
+    void start();
+    void start(std::string_view settings);
+    [[nodiscard]] ChildProcess& program() { return *m_program; }
+    [[nodiscard]] xcb_window_t window() const { return m_window; }
+
+    /// Content of the output window, root pixels.
+    [[nodiscard]] xcb_rectangle_t outputPlace() const;
+    /// What it shows now; empty while a part of it is off the screen.
+    [[nodiscard]] PixelImage output() const;
+    [[nodiscard]] testing::AssertionResult shows(const PaintedDisplay& display,
+                                                 std::string_view name);
+    [[nodiscard]] testing::AssertionResult showsPlaceholder(std::string_view name);
+
+    /// As the user's hand on the window's edges does; of the size the content is meant, of the
+    /// place the frame, where there is one.
+    void placeOutput(const xcb_rectangle_t& place);
+    /// Whether keys go to the output window.
+    [[nodiscard]] bool hasFocus() const;
+    /// Presses a key in the output window.
+    void press(Key key);
+    /// Opens the context menu by the right button or the key for it.
+    void openMenuByMouse();
+    void openMenuByKey();
+    /// Chooses the entry of this number, from 1, of the open menu.
+    void chooseFromMenu(int entry);
+    [[nodiscard]] bool isMenuOpen() const;
+    /// The window that the program's other connection to the server draws the frames in; 0 while
+    /// there is none.
+    [[nodiscard]] xcb_window_t frameWindow() const;
+
+    [[nodiscard]] testing::AssertionResult endsWith(int exitCode);
+
+    XDesktop desktop;
+    XServer& server = desktop.server();
+    PaintedDisplay left;
+    PaintedDisplay right;
+
+private:
+    [[nodiscard]] xcb_window_t findOutput() const;
+    [[nodiscard]] bool isViewable(xcb_window_t window) const;
+    [[nodiscard]] std::vector<xcb_window_t> children(xcb_window_t window) const;
+    [[nodiscard]] bool isOfSameClient(xcb_window_t one, xcb_window_t other) const;
+
+    std::unique_ptr<ChildProcess> m_program;
+    xcb_window_t m_window = XCB_WINDOW_NONE;
+};
+
+} // namespace kestrove::test

@@ -1,0 +1,67 @@
+#include "Tests/Support/Processes/Waiting.h"
+#include "Tests/X11/Application/ApplicationFixture.h"
+
+namespace kestrove::test {
+namespace {
+
+/// With a window manager, and without any. The pointer is free for the menu: the right display is
+/// shared, whatever it is over, and the output lies on the left one.
+class Controls : public ApplicationFixture, public testing::WithParamInterface<WindowManager> {
+protected:
+    Controls()
+        : ApplicationFixture(GetParam()) {
+        start(onlyDisplay("RIGHT"));
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Desks, Controls,
+                         testing::Values(WindowManager::openbox, WindowManager::none),
+                         [](const auto& info) {
+                             return info.param == WindowManager::none ? "Bare" : "Openbox";
+                         });
+
+TEST_P(Controls, WaitForTheUserAndStartByKey) {
+    EXPECT_TRUE(showsPlaceholder("idle"));
+    press(Key::returnKey);
+    EXPECT_TRUE(shows(right, "started"));
+}
+
+TEST_P(Controls, StartAndStopByTheMenu) {
+    ASSERT_TRUE(showsPlaceholder("idle"));
+    openMenuByMouse();
+    chooseFromMenu(1);
+    ASSERT_TRUE(shows(right, "started"));
+
+    openMenuByMouse();
+    chooseFromMenu(1);
+    const auto last = output();
+    right.paint({10, 500, 300, 250}, 0xffffffff);
+    // The menu is there when the program has come to everything that was before it.
+    openMenuByKey();
+    server.press(Key::escape);
+    ASSERT_TRUE(waitUntil([this] { return !isMenuOpen(); }));
+    EXPECT_TRUE(samePixels(output(), last, "stopped"));
+
+    openMenuByKey();
+    chooseFromMenu(1);
+    EXPECT_TRUE(shows(right, "started again"));
+}
+
+TEST_P(Controls, KeepSharingWhenTheMenuIsLeftByEscape) {
+    press(Key::space);
+    ASSERT_TRUE(shows(right, "started"));
+    openMenuByMouse();
+    server.press(Key::escape);
+    EXPECT_TRUE(waitUntil([this] { return !isMenuOpen(); }));
+    right.paint({10, 500, 300, 250}, 0xffffffff);
+    EXPECT_TRUE(shows(right, "goes on"));
+}
+
+TEST_P(Controls, QuitByTheMenu) {
+    openMenuByKey();
+    chooseFromMenu(2);
+    EXPECT_TRUE(endsWith(0));
+}
+
+} // namespace
+} // namespace kestrove::test

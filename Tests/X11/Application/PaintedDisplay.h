@@ -1,0 +1,30 @@
+#pragma once
+
+#include "Tests/Support/PixelReader/PixelImage.h"
+#include "Tests/Support/TestWindow/TestWindow.h"
+#include "Tests/Support/XServer/XDesktop.h"
+
+namespace kestrove::test {
+
+/// A display whose picture the test knows pixel by pixel: a window of another program covers it,
+/// and has a pointer of its own.
+class PaintedDisplay {
+public:
+    PaintedDisplay(XDesktop& desktop, const xcb_rectangle_t& place, WindowFill fill);
+
+    /// In pixels of the display.
+    void paint(const xcb_rectangle_t& rectangle, Color color);
+
+    /// With the pointer when it is there; without what others have laid onto the display.
+    [[nodiscard]] PixelImage picture() const;
+
+private:
+    void usePointer();
+
+    XDesktop& m_desktop;
+    xcb_rectangle_t m_place;
+    TestWindow m_window;
+    PixelImage m_picture;
+};
+
+} // namespace kestrove::test
