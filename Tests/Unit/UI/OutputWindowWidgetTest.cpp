@@ -6,6 +6,7 @@
 #include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QMenu>
+#include <QWindow>
 
 #include <gtest/gtest.h>
 
@@ -105,6 +106,20 @@ TEST_F(OutputWindowWidgetTest, FillsItselfWithItsContentAndLetsGoOfItUnharmed) {
     EXPECT_EQ(content.geometry(), QRect(0, 0, 700, 300));
     window.releaseContent();
     EXPECT_EQ(content.parentWidget(), nullptr);
+}
+
+TEST_F(OutputWindowWidgetTest, TakesTheSizeThatItsNativeWindowHas) {
+    QWidget content;
+    window.setContent(content);
+    window.setGeometry(10, 20, 700, 300);
+    ASSERT_TRUE(spinUntil([this] { return window.windowHandle()->size() == QSize(700, 300); }));
+    // Nobody has told the widget yet.
+    window.windowHandle()->resize(500, 250);
+    ASSERT_EQ(content.size(), QSize(700, 300));
+    window.adoptNativeGeometry();
+    EXPECT_EQ(window.size(), QSize(500, 250));
+    EXPECT_EQ(content.size(), QSize(500, 250));
+    window.releaseContent();
 }
 
 } // namespace
