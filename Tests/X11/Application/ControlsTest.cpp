@@ -34,13 +34,8 @@ TEST_P(Controls, StartAndStopByTheMenu) {
 
     openMenuByMouse();
     chooseFromMenu(1);
-    const auto last = output();
+    EXPECT_TRUE(showsPlaceholder("stopped"));
     right.paint({10, 500, 300, 250}, 0xffffffff);
-    // The menu is there when the program has come to everything that was before it.
-    openMenuByKey();
-    server.press(Key::escape);
-    ASSERT_TRUE(waitUntil([this] { return !isMenuOpen(); }));
-    EXPECT_TRUE(samePixels(output(), last, "stopped"));
 
     openMenuByKey();
     chooseFromMenu(1);
