@@ -164,7 +164,10 @@ testing::AssertionResult ApplicationFixture::shows(const PaintedDisplay& display
         return areAlike(shown, expected, tolerance);
     });
     if (shown.pixels.empty()) {
-        return testing::AssertionFailure() << name << ": the output does not lie on the screen";
+        const auto place = outputPlace();
+        return testing::AssertionFailure()
+               << fmt::format("{}: a part of the output is off the screen: {}x{} at {},{}", name,
+                              place.width, place.height, place.x, place.y);
     }
     return samePixels(shown, expected, name, tolerance);
 }
