@@ -72,7 +72,8 @@ TEST_F(QtMainLoopTest, GoesOnInsideANestedEventLoop) {
             ran = true;
             nested.quit();
         });
-        nested.exec();
+        EXPECT_EQ(nested.exec(), 0);
+        EXPECT_TRUE(ran);
     });
     EXPECT_TRUE(spinUntil([&] { return ran; }));
 }
