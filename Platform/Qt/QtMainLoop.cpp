@@ -59,6 +59,7 @@ public:
         : m_loop(loop) {}
 
     bool event(QEvent* event) override {
+        (void)m_loop.m_posts.load(std::memory_order_acquire);
         if (event->type() == OperationEvent::eventType()) {
             static_cast<OperationEvent*>(event)->run();
             return true;
@@ -120,8 +121,11 @@ Seconds QtMainLoop::now() const {
 }
 
 void QtMainLoop::post(Operation operation) {
-    if (!m_isEnding)
-        QCoreApplication::postEvent(m_receiver.get(), new OperationEvent(std::move(operation)));
+    if (m_isEnding)
+        return;
+    auto event = std::make_unique<OperationEvent>(std::move(operation));
+    m_posts.fetch_add(1, std::memory_order_release);
+    QCoreApplication::postEvent(m_receiver.get(), event.release());
 }
 
 Timer QtMainLoop::runAfter(Seconds delay, Operation operation) {
