@@ -32,7 +32,7 @@ void RawMotion::select() {
         xcb_input_event_mask_t head;
         std::uint32_t mask;
     } selection{{XCB_INPUT_DEVICE_ALL_MASTER, 1},
-                m_listeners > 0 ? XCB_INPUT_XI_EVENT_MASK_RAW_MOTION : 0U};
+                m_listeners > 0 ? std::uint32_t{XCB_INPUT_XI_EVENT_MASK_RAW_MOTION} : 0U};
     // Waited for: whoever listens is told of every move from now on.
     (void)m_connection.succeeded(xcb_input_xi_select_events_checked(
         m_connection.get(), m_connection.root(), 1, &selection.head));

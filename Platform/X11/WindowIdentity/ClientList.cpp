@@ -122,7 +122,8 @@ xcb_window_t readActiveWindow(Connection& connection) {
         const auto clients = hearWords(connection, listed);
         // openbox goes on naming the last window when none has the focus any more.
         const bool isManaged = active && std::ranges::find(clients, *active) != clients.end();
-        return isManaged && isViewable(connection, *active) ? *active : XCB_WINDOW_NONE;
+        return isManaged && isViewable(connection, *active) ? *active
+                                                            : xcb_window_t{XCB_WINDOW_NONE};
     }
     const auto focus =
         connection.reply(xcb_get_input_focus_reply, xcb_get_input_focus(connection.get()));

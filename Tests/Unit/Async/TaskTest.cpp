@@ -178,7 +178,7 @@ INSTANTIATE_TEST_SUITE_P(
         DropCase{"InTheMiddlesSleep", Seconds(1), true, true, Seconds(0.5), "1234d5cb"},
         DropCase{"InTheOutersSleep", Seconds(1), true, true, Seconds(1.5), "1234d56c7b"},
         DropCase{"AfterItsEnd", Seconds(1), true, true, Seconds(2), "1234d56c78b"}),
-    [](const auto& info) { return info.param.name; });
+    [](const auto& tested) { return tested.param.name; });
 
 TEST_F(TaskTest, DroppedAtASleepOfNoLengthItDoesNotGoOn) {
     std::string log;

@@ -15,8 +15,8 @@ protected:
 
 INSTANTIATE_TEST_SUITE_P(Desks, Following,
                          testing::Values(WindowManager::openbox, WindowManager::none),
-                         [](const auto& info) {
-                             return info.param == WindowManager::none ? "Bare" : "Openbox";
+                         [](const auto& tested) {
+                             return tested.param == WindowManager::none ? "Bare" : "Openbox";
                          });
 
 TEST_P(Following, ShowsTheDisplayUnderThePointerWhereverTheOutputLies) {

@@ -42,7 +42,7 @@ INSTANTIATE_TEST_SUITE_P(Desks, DisplayCapture,
                                          Desk{WindowManager::openbox, Compositor::none, "Openbox"},
                                          Desk{WindowManager::openbox, Compositor::picom,
                                               "OpenboxAndPicom"}),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& tested) { return std::string(tested.param.name); });
 
 TEST_P(DisplayCapture, EqualsTheDisplayAndFollowsItsChanges) {
     TestWindow window(displayName(), patterned({100, 80, 500, 400}));

@@ -39,7 +39,7 @@ INSTANTIATE_TEST_SUITE_P(Desks, WindowCapture,
                                          Desk{WindowManager::openbox, Compositor::none, "Openbox"},
                                          Desk{WindowManager::openbox, Compositor::picom,
                                               "OpenboxAndPicom"}),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& tested) { return std::string(tested.param.name); });
 
 TEST_P(WindowCapture, EqualsTheWindowAndStaysLiveWhileCovered) {
     TestWindow window(displayName(), source());

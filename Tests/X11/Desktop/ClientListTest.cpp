@@ -124,9 +124,9 @@ TEST_P(ManagedClientListTest, DoesNotBelieveAWindowManagerThatHasDied) {
 
 INSTANTIATE_TEST_SUITE_P(With, ManagedClientListTest,
                          testing::Values(test::WindowManager::openbox, test::WindowManager::xfwm4),
-                         [](const auto& info) {
-                             return info.param == test::WindowManager::openbox ? "openbox"
-                                                                               : "xfwm4";
+                         [](const auto& tested) {
+                             return tested.param == test::WindowManager::openbox ? "openbox"
+                                                                                 : "xfwm4";
                          });
 
 } // namespace
