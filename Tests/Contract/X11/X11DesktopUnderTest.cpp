@@ -129,6 +129,9 @@ void X11DesktopUnderTest::paintWindow(WindowID window, Color color) {
 void X11DesktopUnderTest::hideWindow(WindowID window) {
     constexpr std::uint32_t iconic = 3;
     tellWindowManager(window, "WM_CHANGE_STATE", iconic);
+    // It is only a wish until the window manager has taken it up.
+    EXPECT_TRUE(
+        waitUntil([&] { return m_desktop.server().propertyItem(window, "WM_STATE") == iconic; }));
 }
 
 void X11DesktopUnderTest::focusWindow(WindowID window) {
