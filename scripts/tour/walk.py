@@ -152,7 +152,8 @@ class Walk:
         screen = session.screen()
         count = pixels.differing_pixels(session.output(screen), shown)
         self.report.stop("stop", "stop from the window's menu, let display 1 move on",
-                         f"{seen}, {count} pixels have changed since", passed and count == 0, screen)
+                         f"{seen}, {count} pixels have changed since",
+                         passed and count == 0, screen)
 
     def _let_display_1_move(self):
         before = self.session.display("LEFT")
