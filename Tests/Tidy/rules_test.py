@@ -71,7 +71,8 @@ class RulesTest(unittest.TestCase):
 
     def test_words(self):
         for line in ("// TODO: later", "as Par" "t 1.3 says", "see issue #4",
-                     "The specifi" "cation says", "look at spe" "c.md", "cd /home/me", "(/wor" "k/x)"):
+                     "The specifi" "cation says", "look at spe" "c.md",
+                     "cd /home/me", "(/wor" "k/x)"):
             self.assertEqual(found(rules.words, ("docs/A.md", [line])), [("docs/A.md", 1)], line)
         for line in ("the two parts", "a special case", "a network/wor" "k/home", "/usr/bin"):
             self.assertEqual(found(rules.words, ("docs/A.md", [line])), [], line)
