@@ -20,9 +20,13 @@ FOREIGN_INCLUDES = [
 
 PORTABLE = ("Async", "Desktop", "Util", "Core")
 
+PRODUCT_AND_TESTS = ("Async", "Desktop", "Util", "Core", "UI", "App", "Platform", "Tests")
+
 # Folders (none: all code), pattern, what to do instead.
 BANNED = [
-    ((), r"\bsleep_(for|until)\b|\busleep\b|\bnanosleep\b|\bqWait\b|\bQThread::\w*sleep\b",
+    # A scene of Bench keeps a beat, which is no waiting.
+    (PRODUCT_AND_TESTS,
+     r"\bsleep_(for|until)\b|\busleep\b|\bnanosleep\b|\bqWait\b|\bQThread::\w*sleep\b",
      "wait for a condition"),
     ((), r"\bstd::v?format\b|#\s*include\s*<format>", "fmt: g++ 12 has no std::format"),
     ((), r"\bGTEST_SKIP\b|\bDISABLED_|(EXPECT|ASSERT)_TRUE\(true\)", "a test that can fail"),

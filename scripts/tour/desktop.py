@@ -9,10 +9,19 @@ import subprocess
 import tempfile
 import time
 
-# Both displays have the sides 16:10, so that the output window needs no bars; the second is larger,
+# The displays of the tour: name to x, y, width, height in root pixels.
+# Both have the sides 16:10, so that the output window needs no bars; the second is larger,
 # so that the first fits into a window on it pixel by pixel.
 DISPLAYS = {"LEFT": (0, 0, 1280, 800), "RIGHT": (1280, 0, 1600, 1000)}
-FRAMEBUFFER = (2880, 1000)
+
+
+def framebuffer(displays):
+    """The smallest root window in which they all lie."""
+    return (max(x + width for x, _, width, _ in displays.values()),
+            max(y + height for _, y, _, height in displays.values()))
+
+
+FRAMEBUFFER = framebuffer(DISPLAYS)
 PATIENCE = 20.0
 
 
@@ -34,10 +43,11 @@ def _die_with_parent():
 
 
 class Desktop:
-    def __init__(self, logs):
+    def __init__(self, logs, displays=None):
+        self.displays = displays or DISPLAYS
         self.logs = pathlib.Path(logs)
         self.logs.mkdir(parents=True, exist_ok=True)
-        self.folder = tempfile.TemporaryDirectory(prefix="kestrove-tour-")
+        self.folder = tempfile.TemporaryDirectory(prefix="kestrove-desktop-")
         self.home = pathlib.Path(self.folder.name)
         self.processes = []
         self.environment = {
@@ -87,7 +97,7 @@ class Desktop:
 
     def start_server(self):
         reading, writing = os.pipe()
-        width, height = FRAMEBUFFER
+        width, height = framebuffer(self.displays)
         self.start("Xvfb", "-displayfd", str(writing), "-screen", "0", f"{width}x{height}x24",
                    "-nolisten", "tcp", "-noreset", "-dpi", "96", pass_fds=[writing])
         os.close(writing)
@@ -96,11 +106,11 @@ class Desktop:
         if not number:
             raise RuntimeError("Xvfb did not start, see " + str(self.logs / "Xvfb.log"))
         self.environment["DISPLAY"] = ":" + number
-        for name in DISPLAYS:
+        for name in self.displays:
             self.plug(name)
 
     def plug(self, name):
-        x, y, width, height = DISPLAYS[name]
+        x, y, width, height = self.displays[name]
         # The server has one real output. The display that stays has it: of an output that belongs
         # to no display the server would make one more.
         output = "screen" if name == "RIGHT" else "none"
@@ -116,19 +126,22 @@ class Desktop:
         self.start("dbus-daemon", "--session", "--nofork", "--nopidfile",
                    f"--address=unix:path={self.home}/bus")
         wait_until((self.home / "bus").exists, "the session bus")
-        self.start("openbox", "--sm-disable")
-        wait_until(self._has_window_manager, "the window manager")
-
-    def _has_window_manager(self):
-        shown = subprocess.run(["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"], check=False,
-                               env=self.environment, capture_output=True, text=True)
-        return "window id" in shown.stdout
+        # It names itself on the root window before it is ready: a window that is mapped then may
+        # never be shown. It runs this command when it listens.
+        ready = self.home / "window-manager-ready"
+        self.start("openbox", "--sm-disable", "--startup", f"touch {ready}")
+        wait_until(ready.exists, "the window manager")
 
     def find_window(self, title):
         """The identifier of the visible window of exactly this title; None when there is none."""
         found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", f"^{title}$"],
                                check=False, env=self.environment, capture_output=True, text=True)
         return found.stdout.split()[-1] if found.stdout.split() else None
+
+    def windows(self):
+        """The identifiers of all managed windows, oldest first."""
+        listed = self.run("xprop", "-root", "_NET_CLIENT_LIST")
+        return re.findall(r"0x[0-9a-f]+", listed)
 
     def geometry(self, window):
         """x, y, width, height of its content in root pixels."""
