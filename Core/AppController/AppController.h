@@ -133,6 +133,7 @@ private:
 
     // Recovery.cpp: failed switches and dead streams.
     void captureStreamDidStop();
+    [[nodiscard]] bool hasTerminated(CaptureSource source) const;
     [[nodiscard]] Task<void>
     recoverFromSwitchFailure(CaptureError error, CaptureSource failedSource, Fallback fallback);
     [[nodiscard]] std::optional<CaptureSource> fallbackSource(CaptureSource failedSource) const;

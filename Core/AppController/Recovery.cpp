@@ -80,8 +80,27 @@ void AppController::captureStreamDidStop() {
         source = m_with.captureEngine.currentSource();
     if (!source)
         return;
+    if (hasTerminated(*source)) {
+        // Nothing comes back that could be waited for. The session goes on with what else was
+        // picked, or waits until something is.
+        presentSafeOutput();
+        pruneTerminatedManualSources({*source});
+        return;
+    }
     sourceVisibilityCoordinator().setInterruptedSource(source);
     safelyStopAfterStreamInterruption(*source);
+}
+
+/// Whether the source is a picked window that was closed, or whose application has quit. While the
+/// session is locked nobody can tell. A recovery in progress chooses by itself.
+bool AppController::hasTerminated(CaptureSource source) const {
+    if (!source.isWindow() || m_followMode != FollowMode::manual || m_isHandlingSourceFailure)
+        return false;
+    const auto& selections = m_with.settings.manualWindowSelections();
+    const auto picked = selections.find(source.identifier());
+    return picked != selections.end() &&
+           m_with.windowExistenceChecker.existence(
+               picked->second, m_with.sessionLockState.state()) == WindowExistence::terminated;
 }
 
 void AppController::safelyStopAfterStreamInterruption(CaptureSource /*source*/) {

@@ -191,6 +191,74 @@ TEST(AppControllerInterruption, ATerminatedActiveSourceMakesTheSessionWait) {
     EXPECT_EQ(bench.settings->manualSources.get(), std::vector<CaptureSource>());
 }
 
+TEST(AppControllerInterruption, AClosedWindowGivesWayToAnotherPickedSource) {
+    ControllerBench bench;
+    bench.createManual({window5, window6});
+    bench.startAndRun();
+    ASSERT_EQ(bench.active(), window5);
+    bench.existence.answers[5] = WindowExistence::terminated;
+    bench.lister.remove(window5);
+    bench.engine.endStream();
+    EXPECT_EQ(bench.container.content, nullptr) << "nothing of it is shown any longer";
+    EXPECT_EQ(bench.active(), std::nullopt);
+    bench.settle();
+    EXPECT_EQ(bench.state(), State::running());
+    EXPECT_EQ(bench.active(), window6);
+    EXPECT_EQ(bench.settings->manualSources.get(), std::vector{window6});
+    EXPECT_EQ(bench.diagnostics.lines, Events{"[kestrove] pruned 1 terminated manual source(s)"});
+    EXPECT_TRUE(bench.scheduler.isScheduled());
+}
+
+TEST(AppControllerInterruption, TheLastPickedWindowThatIsClosedMakesTheSessionWait) {
+    ControllerBench bench;
+    bench.createManual({window5});
+    bench.startAndRun();
+    bench.existence.answers[5] = WindowExistence::terminated;
+    bench.lister.remove(window5);
+    bench.engine.endStream();
+    bench.settle();
+    EXPECT_EQ(bench.state(), State::waitingForSource());
+    EXPECT_EQ(bench.container.content, nullptr);
+    EXPECT_TRUE(bench.scheduler.isScheduled());
+    // What is picked next is shown.
+    bench.controller->toggleSource(window6, editor);
+    bench.settle();
+    EXPECT_EQ(bench.active(), window6);
+}
+
+TEST(AppControllerInterruption, AWindowThatNobodyCanJudgeIsWaitedFor) {
+    for (const auto answer : {WindowExistence::temporarilyUnavailable, WindowExistence::unknown,
+                              WindowExistence::exists}) {
+        ControllerBench bench;
+        bench.createManual({window5, window6});
+        bench.startAndRun();
+        bench.existence.answers[5] = answer;
+        bench.engine.endStream();
+        bench.settle();
+        EXPECT_EQ(bench.state(), streamStopped);
+        EXPECT_EQ(bench.settings->manualSources.get(), (std::vector{window5, window6}));
+    }
+}
+
+TEST(AppControllerInterruption, AClosedWindowDoesNotEndASwitchToAnother) {
+    ControllerBench bench;
+    bench.createManual({window5, window6});
+    bench.startAndRun();
+    bench.gate.hold();
+    bench.settings->manualSources.set({window6, window5});
+    bench.controller->applyManualSources({window6});
+    bench.settle();
+    ASSERT_EQ(bench.state(), State::switching());
+    bench.existence.answers[5] = WindowExistence::terminated;
+    bench.lister.remove(window5);
+    ASSERT_EQ(bench.engine.currentSource(), window5);
+    bench.engine.unexpectedStop();
+    bench.gate.open();
+    bench.settle();
+    EXPECT_EQ(bench.state(), State::running());
+    EXPECT_EQ(bench.active(), window6);
+}
+
 TEST(AppControllerInterruption, ATerminatedSourceThatIsNotShownChangesNothing) {
     ControllerBench bench;
     bench.createManual({window5, window6});
