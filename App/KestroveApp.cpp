@@ -1,5 +1,6 @@
 #include "App/KestroveApp.h"
 
+#include "App/PrivacyPolicy.h"
 #include "Platform/X11/Capture/X11DisplayLayer.h"
 #include "UI/Alerts/RunModalAlert.h"
 #include "UI/OutputWindow/QtOutputWindow.h"
@@ -55,7 +56,9 @@ KestroveApp::KestroveApp(KestroveGround ground)
                      {m_settings.alwaysOnTop.get(), m_settings.hideOutputWindow.get()},
                      windowPlatform(ground))
     , m_controller(collaborators(ground))
-    , m_appDelegate(m_application, m_settings, m_controller, m_outputWindow, m_outputContainer) {}
+    , m_appDelegate(m_application, m_settings, m_controller, m_outputWindow, m_outputContainer)
+    , m_menuBarView(menuCollaborators(ground))
+    , m_menu(m_menuBarView) {}
 
 OutputWindowPlatform KestroveApp::windowPlatform(KestroveGround ground) {
     auto makeWindow = [this, ground](const Rect& contentRect, WindowStyle style) {
@@ -71,8 +74,7 @@ OutputWindowCommands KestroveApp::windowCommands() {
     OutputWindowCommands commands;
     commands.isSharing = [this] { return m_appDelegate.isSharing(); };
     commands.start = [this] { m_controller.start(); };
-    commands.stop = [this] { m_controller.stop(); };
-    commands.quit = [this] { m_appDelegate.terminate(); };
+    commands.menu = [this]() -> QMenu& { return m_menu.menu(); };
     commands.windowClosed = [this] { m_appDelegate.outputWindowClosed(); };
     return commands;
 }
@@ -100,6 +102,21 @@ AppControllerCollaborators KestroveApp::collaborators(KestroveGround ground) {
         .systemLog = ground.log,
         .logSubsystem = bundleIdentifier,
         .diagnosticOutput = m_diagnosticOutput,
+    };
+}
+
+MenuBarViewCollaborators KestroveApp::menuCollaborators(KestroveGround ground) {
+    return {
+        .loop = ground.loop,
+        .settings = m_settings,
+        .controller = m_controller,
+        .outputWindow = m_outputWindow,
+        .shortcutTexts = {},
+        .openScreenRecordingPreferences = {}, // X knows no such permission
+        .showSourcePicker = {},
+        .openSettings = {},
+        .openPrivacyPolicy = [this] { openPrivacyPolicy(m_application); },
+        .quit = [this] { m_appDelegate.terminate(); },
     };
 }
 

@@ -12,6 +12,8 @@
 #include "Platform/Qt/QtApplication.h"
 #include "UI/Composer/OutputContainer.h"
 #include "UI/Composer/OutputContainerWidget.h"
+#include "UI/MenuBarView/MenuBarView.h"
+#include "UI/MenuBarView/NativeMenu.h"
 #include "UI/OutputWindow/OutputWindowCommands.h"
 #include "UI/OutputWindow/OutputWindowController.h"
 
@@ -47,6 +49,7 @@ private:
     [[nodiscard]] OutputWindowPlatform windowPlatform(KestroveGround ground);
     [[nodiscard]] OutputWindowCommands windowCommands();
     [[nodiscard]] AppControllerCollaborators collaborators(KestroveGround ground);
+    [[nodiscard]] MenuBarViewCollaborators menuCollaborators(KestroveGround ground);
 
     QtApplication m_application;
     AppSettings m_settings;
@@ -69,6 +72,8 @@ private:
 
     AppController m_controller;
     AppDelegate m_appDelegate;
+    MenuBarView m_menuBarView;
+    NativeMenu m_menu;
 };
 
 } // namespace kestrove

@@ -19,6 +19,9 @@ OutputWindowWidget::OutputWindowWidget(OutputWindowCommands commands, Qt::Window
     QPalette black = palette();
     black.setColor(QPalette::Window, Qt::black);
     setPalette(black);
+    // A menu that closes gives the keyboard back to whichever widget had it; there must be one.
+    setFocusPolicy(Qt::StrongFocus);
+    setFocus();
     // Other programs know the native window by its number: it is there from now on.
     winId();
     windowHandle()->installEventFilter(this);
@@ -78,14 +81,7 @@ void OutputWindowWidget::closeEvent(QCloseEvent* event) {
 }
 
 void OutputWindowWidget::contextMenuEvent(QContextMenuEvent* event) {
-    QMenu menu;
-    if (m_commands.isSharing())
-        menu.addAction(QStringLiteral("停止"), [this] { m_commands.stop(); });
-    else
-        menu.addAction(QStringLiteral("開始"), [this] { m_commands.start(); });
-    menu.addSeparator();
-    menu.addAction(QStringLiteral("終了"), [this] { m_commands.quit(); });
-    menu.exec(event->globalPos());
+    m_commands.menu().popup(event->globalPos());
 }
 
 void OutputWindowWidget::keyPressEvent(QKeyEvent* event) {

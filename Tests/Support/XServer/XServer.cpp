@@ -170,10 +170,20 @@ void XServer::click(std::uint8_t button) {
 }
 
 void XServer::press(Key key) {
-    const auto code = keyCode(key);
-    sendFakeInput(m_connection, {.type = XCB_KEY_PRESS, .detail = code});
-    sendFakeInput(m_connection, {.type = XCB_KEY_RELEASE, .detail = code});
+    sendKey(XCB_KEY_PRESS, key);
+    sendKey(XCB_KEY_RELEASE, key);
     sync(m_connection);
+}
+
+void XServer::press(Key modifier, Key key) {
+    sendKey(XCB_KEY_PRESS, modifier);
+    press(key);
+    sendKey(XCB_KEY_RELEASE, modifier);
+    sync(m_connection);
+}
+
+void XServer::sendKey(std::uint8_t type, Key key) {
+    sendFakeInput(m_connection, {.type = type, .detail = keyCode(key)});
 }
 
 xcb_keycode_t XServer::keyCode(Key key) const {

@@ -24,8 +24,11 @@ enum class Key : xcb_keysym_t {
     space = 0x20,
     returnKey = 0xff0d,
     escape = 0xff1b,
+    up = 0xff52,
     down = 0xff54,
     menu = 0xff67,
+    f10 = 0xffc7,
+    shift = 0xffe1,
 };
 
 /// Two displays side by side, as on a desk.
@@ -64,6 +67,8 @@ public:
     void click(std::uint8_t button);
     /// A key goes down and up, without modifiers, for whoever has the focus or a grab.
     void press(Key key);
+    /// The same while `modifier` is held.
+    void press(Key modifier, Key key);
 
     /// What a crash of the server is to its clients. The fixture's own connection is gone too.
     void kill();
@@ -71,6 +76,7 @@ public:
 
 private:
     void sendMonitor(const Monitor& monitor);
+    void sendKey(std::uint8_t type, Key key);
     [[nodiscard]] xcb_keycode_t keyCode(Key key) const;
 
     std::unique_ptr<ChildProcess> m_process;

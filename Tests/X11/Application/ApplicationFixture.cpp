@@ -228,9 +228,23 @@ void ApplicationFixture::openMenuByKey() {
     expectWithin([this] { return isMenuOpen(); }, "the menu");
 }
 
+void ApplicationFixture::openMenuByShiftF10() {
+    expectWithin([this] { return hasFocus(); }, "the output window's focus");
+    server.press(Key::shift, Key::f10);
+    expectWithin([this] { return isMenuOpen(); }, "the menu");
+}
+
 void ApplicationFixture::chooseFromMenu(int entry) {
-    for (int each = 0; each < entry; ++each) {
-        server.press(Key::down);
+    choose(Key::down, entry);
+}
+
+void ApplicationFixture::chooseFromMenuEnd(int entry) {
+    choose(Key::up, entry);
+}
+
+void ApplicationFixture::choose(Key direction, int steps) {
+    for (int each = 0; each < steps; ++each) {
+        server.press(direction);
     }
     server.press(Key::returnKey);
     expectWithin([this] { return !isMenuOpen(); }, "the menu to close");

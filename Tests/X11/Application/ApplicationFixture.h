@@ -50,11 +50,15 @@ protected:
     [[nodiscard]] bool hasFocus() const;
     /// Presses a key in the output window.
     void press(Key key);
-    /// Opens the context menu by the right button or the key for it.
+    /// Opens the context menu by the right button, by the key for it, or as on keyboards without.
     void openMenuByMouse();
     void openMenuByKey();
-    /// Chooses the entry of this number, from 1, of the open menu.
+    void openMenuByShiftF10();
+    /// Chooses the entry of this number, from 1, of the open menu; those that only say something do
+    /// not count.
     void chooseFromMenu(int entry);
+    /// The same from the end: 1 is the last one.
+    void chooseFromMenuEnd(int entry);
     [[nodiscard]] bool isMenuOpen() const;
     /// The window that the program's other connection to the server draws the frames in; 0 while
     /// there is none.
@@ -68,6 +72,7 @@ protected:
     PaintedDisplay right;
 
 private:
+    void choose(Key direction, int steps);
     [[nodiscard]] xcb_window_t findOutput() const;
     [[nodiscard]] bool isViewable(xcb_window_t window) const;
     [[nodiscard]] std::vector<xcb_window_t> children(xcb_window_t window) const;

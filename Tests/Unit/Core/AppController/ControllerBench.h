@@ -65,7 +65,7 @@ public:
     ScriptedEngine engine{calls, gate};
     ScriptedRenderer renderer{calls};
     ScriptedContainer container{calls};
-    ScriptedOutputWindow window{calls};
+    ScriptedOutputControl window{calls};
     ScriptedOverlay overlay{calls};
     ScriptedLister lister{calls, gate};
     ScriptedScheduler scheduler{calls};

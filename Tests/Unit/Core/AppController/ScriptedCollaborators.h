@@ -156,9 +156,9 @@ private:
     CallLog& m_calls;
 };
 
-class ScriptedOutputWindow final : public OutputWindowControlling {
+class ScriptedOutputControl final : public OutputWindowControlling {
 public:
-    explicit ScriptedOutputWindow(CallLog& calls)
+    explicit ScriptedOutputControl(CallLog& calls)
         : m_calls(calls) {}
 
     std::optional<WindowID> windowID() const override { return identifier; }
