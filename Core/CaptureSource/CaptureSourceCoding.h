@@ -1,10 +1,9 @@
 #pragma once
 
 #include "Core/CaptureSource/CaptureSource.h"
-#include "Core/Json.h"
+#include "Core/JsonDecoding.h"
 
 #include <expected>
-#include <string>
 
 namespace kestrove {
 
@@ -16,27 +15,7 @@ namespace kestrove {
 //   owner        {"processID":1,"bundleIdentifier":"org.example.editor"}
 //   selection    {"windowID":7,"owner":{...}}
 //
-// When decoding, keys that are not known are ignored; a key that is missing, a value of a wrong
-// type and a number out of 32-bit range fail the whole value. No default is ever put in.
-
-/// Why a value could not be decoded.
-struct DecodingError {
-    enum class Kind {
-        typeMismatch,
-        keyNotFound,
-        /// A number that does not fit.
-        dataCorrupted,
-    };
-
-    DecodingError(Kind errorKind, std::string whatIsWrong)
-        : kind(errorKind)
-        , description(std::move(whatIsWrong)) {}
-
-    Kind kind;
-    std::string description;
-
-    bool operator==(const DecodingError&) const = default;
-};
+// How strictly it is decoded stands in Core/JsonDecoding.h.
 
 [[nodiscard]] Json encode(const CaptureSource& source);
 [[nodiscard]] Json encode(const WindowOwnerIdentity& owner);
