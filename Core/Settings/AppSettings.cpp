@@ -1,6 +1,7 @@
 #include "Core/Settings/AppSettings.h"
 
 #include "Core/CaptureSource/CaptureSourceCoding.h"
+#include "Core/GlobalShortcuts/ShortcutBindingCoding.h"
 
 #include <algorithm>
 #include <expected>
@@ -19,6 +20,7 @@ constexpr std::string_view autoStartKey = "kestrove.autoStart";
 constexpr std::string_view hideOutputWindowKey = "kestrove.hideOutputWindow";
 constexpr std::string_view manualSourcesKey = "kestrove.manualSources";
 constexpr std::string_view manualWindowSelectionsKey = "kestrove.manualWindowSelections";
+constexpr std::string_view shortcutBindingsKey = "kestrove.shortcutBindings";
 
 constexpr std::int64_t defaultFPS = 30;
 
@@ -61,9 +63,22 @@ ManualWindowSelections loadSelections(const UserDefaults& defaults) {
     return selections;
 }
 
-/// Leaves what is stored under `key` when the list cannot be encoded.
-void store(UserDefaults& defaults, std::string_view key, const Json& list) {
-    if (const auto data = serializeJson(list))
+/// The stored bindings over the defaults; one malformed binding drops them all.
+ShortcutBindings loadShortcutBindings(const UserDefaults& defaults) {
+    auto bindings = defaultShortcutBindings();
+    const auto data = defaults.data(shortcutBindingsKey);
+    const auto json = data ? parseJson(*data) : std::nullopt;
+    auto stored = json ? decodeShortcutBindings(*json) : ShortcutBindings();
+    if (!stored)
+        return bindings;
+    // What was there comes second in a merge of maps.
+    stored->merge(bindings);
+    return std::move(*stored);
+}
+
+/// Leaves what is stored under `key` when the value cannot be encoded.
+void store(UserDefaults& defaults, std::string_view key, const Json& value) {
+    if (const auto data = serializeJson(value))
         defaults.setData(key, *data);
 }
 
@@ -87,6 +102,7 @@ AppSettings::AppSettings(UserDefaults& userDefaults)
                        storeBoolean(m_defaults, hideOutputWindowKey))
     , manualSources(loadList(m_defaults, manualSourcesKey, decodeCaptureSource),
                     [this](const std::vector<CaptureSource>&) { manualSourcesDidChange(); })
+    , shortcutBindings(loadShortcutBindings(m_defaults))
     , m_manualWindowSelections(loadSelections(m_defaults)) {}
 
 void AppSettings::toggleManualSource(CaptureSource source,
@@ -130,6 +146,10 @@ void AppSettings::persistManualSources() const {
     for (const auto& [windowID, selection] : m_manualWindowSelections)
         selections.push_back(encode(selection));
     store(m_defaults, manualWindowSelectionsKey, selections);
+}
+
+void AppSettings::persistShortcutBindings(const ShortcutBindings& bindings) const {
+    store(m_defaults, shortcutBindingsKey, encode(bindings));
 }
 
 void AppSettings::manualSourcesDidChange() {

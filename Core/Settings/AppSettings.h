@@ -2,6 +2,7 @@
 
 #include "Async/Published.h"
 #include "Core/CaptureSource/CaptureSource.h"
+#include "Core/GlobalShortcuts/ShortcutAction.h"
 #include "Core/Settings/FollowMode.h"
 #include "Desktop/UserDefaults.h"
 
@@ -49,6 +50,9 @@ public:
     /// What the user picked for `FollowMode::manual`, in the order of picking. Setting it drops the
     /// selections of windows that are in it no more, and persists both.
     Published<std::vector<CaptureSource>> manualSources;
+    /// The shortcuts that the user wants; always holds every action. Setting it stores nothing:
+    /// bindings are saved by `persistShortcutBindings`, once they are known to work.
+    Published<ShortcutBindings> shortcutBindings;
 
     /// Every key is a window of `manualSources`, except that what was loaded is kept as it was
     /// until `manualSources` is set. A window without an entry has no known owner.
@@ -67,6 +71,9 @@ public:
 
     /// Writes the manual sources and their selections as they are.
     void persistManualSources() const;
+
+    /// Saves `bindings`, whatever `shortcutBindings` holds. Only who installs them calls this.
+    void persistShortcutBindings(const ShortcutBindings& bindings) const;
 
 private:
     void manualSourcesDidChange();
