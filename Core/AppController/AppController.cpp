@@ -41,6 +41,10 @@ AppController::AppController(AppControllerCollaborators collaborators)
     observeSettings();
     observeFollowing();
     m_with.captureEngine.setOnUnexpectedStop([this] { captureStreamDidStop(); });
+    if (m_with.globalShortcuts != nullptr) {
+        m_shortcutSettingsCoordinator.emplace(m_with.mainLoop, m_with.settings,
+                                              *m_with.globalShortcuts, globalShortcutHandlers());
+    }
     m_tasks.post([this] { refreshIdlePermissionState(); });
 }
 

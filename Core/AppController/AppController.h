@@ -4,6 +4,7 @@
 #include "Async/TaskScope.h"
 #include "Core/AppController/AppControllerCollaborators.h"
 #include "Core/AppController/CaptureSessionState.h"
+#include "Core/AppController/ShortcutSettingsCoordinator.h"
 #include "Core/SourceLister/SourceVisibilityCoordinator.h"
 
 #include <cstdint>
@@ -91,6 +92,13 @@ public:
     lists(const std::vector<CaptureSourceInfo>& from, const CaptureSourceSet& retaining,
           const std::vector<CaptureSourceInfo>& mergingPrevious);
 
+    // Global shortcuts.
+
+    /// Opens the picker with previews, where there is one.
+    void showSourcePicker();
+    /// What each global shortcut does. The handlers live no longer than the controller.
+    [[nodiscard]] ShortcutHandlers globalShortcutHandlers();
+
     // SourceSessionControlling: what the source visibility coordinator has the session do.
 
     void safelyStopAfterStreamInterruption(CaptureSource source) override;
@@ -162,6 +170,11 @@ private:
     void discardManualWindowsOfPreviousProcess();
     void recoverManualModeAfterWindowDiscardIfNeeded();
 
+    // Shortcuts.cpp: what the global shortcuts do.
+    void startOrStop();
+    void showOutputWindow();
+    void toggleHiddenMode();
+
     // Log.cpp
     void logSourceResolution(std::string_view reason) const;
     void logError(std::string_view what, const CaptureError& error) const;
@@ -196,6 +209,8 @@ private:
 
     /// Made on first use; reach it by `sourceVisibilityCoordinator`.
     std::optional<SourceVisibilityCoordinator> m_sourceVisibilityCoordinator;
+    /// Absent on a desktop without hot keys.
+    std::optional<ShortcutSettingsCoordinator> m_shortcutSettingsCoordinator;
     std::vector<Subscription> m_observations;
     TaskScope m_tasks;
 };

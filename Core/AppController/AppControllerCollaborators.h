@@ -6,6 +6,7 @@
 #include "Core/Collaborators/CaptureControlling.h"
 #include "Core/Collaborators/OutputControlling.h"
 #include "Core/Collaborators/SourceDiscovery.h"
+#include "Core/GlobalShortcuts/GlobalShortcuts.h"
 #include "Core/ScreenRecordingPermission.h"
 #include "Core/Settings/AppSettings.h"
 #include "Desktop/SystemLog.h"
@@ -40,6 +41,10 @@ struct AppControllerCollaborators {
     /// The application's bundle identifier: the subsystem of every log line.
     std::string logSubsystem;
     DiagnosticOutput& diagnosticOutput;
+    /// Null on a desktop without hot keys.
+    GlobalShortcuts* globalShortcuts = nullptr;
+    /// Opens the picker with previews, or brings it to the front; empty where there is none.
+    std::function<void()> showSourcePicker = {};
 };
 
 } // namespace kestrove

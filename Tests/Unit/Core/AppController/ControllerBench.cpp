@@ -79,6 +79,8 @@ AppController& ControllerBench::create() {
         .systemLog = log,
         .logSubsystem = "dev.kestrove",
         .diagnosticOutput = diagnostics,
+        .globalShortcuts = &shortcuts,
+        .showSourcePicker = [this] { calls.add("show picker"); },
     });
     watchPublishedFields();
     settle();

@@ -4,6 +4,7 @@
 #include "Platform/Simulated/SimulatedMainLoop.h"
 #include "Tests/Support/ScriptedDesktop/MemoryUserDefaults.h"
 #include "Tests/Support/ScriptedDesktop/RecordingLog.h"
+#include "Tests/Support/ScriptedDesktop/ScriptedHotKeyRegistrar.h"
 #include "Tests/Support/ScriptedDesktop/ScriptedPointer.h"
 #include "Tests/Support/ScriptedDesktop/ScriptedScreens.h"
 #include "Tests/Support/ScriptedDesktop/ScriptedWindowServer.h"
@@ -73,6 +74,9 @@ public:
     ScriptedLockState lockState;
     RecordingLog log;
     RecordedDiagnostics diagnostics;
+    ScriptedKeyboard keyboard;
+    GlobalShortcuts shortcuts{std::make_unique<ScriptedHotKeyRegistrar>(keyboard), log,
+                              "dev.kestrove"};
     ScreenRecordingPermission permission = ScreenRecordingPermission::granted;
 
     std::unique_ptr<AppSettings> settings;
