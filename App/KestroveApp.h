@@ -44,6 +44,9 @@ public:
     ~KestroveApp() = default;
 
     [[nodiscard]] AppDelegate& delegate() { return m_appDelegate; }
+    [[nodiscard]] AppSettings& settings() { return m_settings; }
+    [[nodiscard]] AppController& controller() { return m_controller; }
+    [[nodiscard]] OutputWindowControlling& outputWindow() { return m_outputWindow; }
 
 private:
     [[nodiscard]] OutputWindowPlatform windowPlatform(KestroveGround ground);

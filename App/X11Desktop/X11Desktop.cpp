@@ -25,6 +25,7 @@ X11Desktop::open(MainLoop& loop, DescriptorWatching& watching) {
 X11Desktop::X11Desktop(std::unique_ptr<x11::Connection> connection, DescriptorWatching& watching)
     : m_connection(std::move(connection))
     , m_windowManager(connectionOfQt())
+    , m_parking(*m_connection, connectionOfQt())
     , m_monitors(*m_connection)
     , m_motion(*m_connection)
     , m_applications(DesktopEntries(DesktopEntries::foldersOfTheUser()))
@@ -44,6 +45,11 @@ NativeWindowRequests X11Desktop::windowRequests() {
         m_windowManager.joinAllWorkspaces(window);
     };
     requests.activate = [this](NativeViewHandle window) { m_windowManager.activate(window); };
+    requests.keepContent = [this](NativeViewHandle window) { m_windowManager.keepContent(window); };
+    requests.park = [this](NativeViewHandle window, Point origin) {
+        m_parking.park(window, static_cast<int>(origin.x), static_cast<int>(origin.y));
+    };
+    requests.unpark = [this](NativeViewHandle window) { m_parking.release(window); };
     return requests;
 }
 

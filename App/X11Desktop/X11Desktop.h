@@ -9,6 +9,7 @@
 #include "Platform/X11/Screens/Screens.h"
 #include "Platform/X11/WindowIdentity/Applications.h"
 #include "Platform/X11/WindowManagerRequests.h"
+#include "Platform/X11/WindowParking.h"
 #include "Platform/X11/WindowServer.h"
 #include "Platform/X11/Workspace/Workspace.h"
 #include "UI/OutputWindow/NativeWindowRequests.h"
@@ -42,6 +43,7 @@ private:
 
     std::unique_ptr<x11::Connection> m_connection;
     x11::WindowManagerRequests m_windowManager;
+    x11::WindowParking m_parking;
     x11::MonitorLayout m_monitors;
     x11::RawMotion m_motion;
     x11::Applications m_applications;

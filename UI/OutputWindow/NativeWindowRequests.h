@@ -17,6 +17,13 @@ struct NativeWindowRequests {
     std::function<void(NativeViewHandle window)> joinAllWorkspaces;
     /// In front and with the focus, even while another application is active.
     std::function<void(NativeViewHandle window)> activate;
+    /// The window's content exists by itself from now on: also what is covered, or outside the
+    /// screens, can be captured. Once.
+    std::function<void(NativeViewHandle window)> keepContent;
+    /// The window, which is shown and which Qt keeps from the window manager, stays at this place
+    /// outside every screen, in toolkit pixels, and capturable, until `unpark`.
+    std::function<void(NativeViewHandle window, Point origin)> park;
+    std::function<void(NativeViewHandle window)> unpark;
 };
 
 } // namespace kestrove

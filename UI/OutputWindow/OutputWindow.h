@@ -105,6 +105,9 @@ public:
     /// Puts the window into the middle of its screen.
     virtual void center() = 0;
 
+    /// The decorations have become others, as on a desktop that tells them only once the window is
+    /// there. The frame is what it was, and leaves another content rectangle.
+    [[nodiscard]] virtual Subscription onDecorationsChanged(std::function<void()> callback) = 0;
     /// The user has let go after resizing the window. A frame set by the program, or by the desktop
     /// alone, does not count.
     [[nodiscard]] virtual Subscription onLiveResizeEnded(std::function<void()> callback) = 0;

@@ -46,6 +46,7 @@ OutputWindowController::OutputWindowController(OutputContainerView& contentView,
     m_window->setMinimumSize(minimumFrameSize);
     m_window->center();
     m_liveResizeEnded = m_window->onLiveResizeEnded([this] { windowDidEndLiveResize(); });
+    m_decorationsChanged = m_window->onDecorationsChanged([this] { windowDidChangeDecorations(); });
     if (!options.hidden || !prepareHiddenState())
         return;
     // It must exist on the desktop from the start, or nobody could capture it.
@@ -171,6 +172,12 @@ void OutputWindowController::matchWhileHidden(const Rect& reference) {
 
 void OutputWindowController::windowDidEndLiveResize() {
     m_aspectSizingBounds = m_window->contentRect(m_window->frame()).size();
+}
+
+void OutputWindowController::windowDidChangeDecorations() {
+    // The content has lost the source's shape. Parked, it is given back with the frame.
+    if (!m_isHiddenFromUser && m_matchedContentSize)
+        m_window->setFrame(frameForScreen(m_window->frame()), Redisplay::yes);
 }
 
 std::vector<Rect> OutputWindowController::screenFrames() const {

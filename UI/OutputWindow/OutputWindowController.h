@@ -50,6 +50,7 @@ private:
     void unhide();
     void rememberPlacement(const Rect& frame);
     void windowDidEndLiveResize();
+    void windowDidChangeDecorations();
     void matchWhileHidden(const Rect& reference);
     [[nodiscard]] std::optional<Screen>
     targetScreen(const Rect& frame, std::optional<DisplayID> preferredDisplayID) const;
@@ -71,6 +72,7 @@ private:
     /// The pixel size whose aspect ratio the window has now.
     std::optional<Size> m_matchedContentSize;
     Subscription m_liveResizeEnded;
+    Subscription m_decorationsChanged;
     TaskScope m_scope;
 };
 

@@ -67,7 +67,8 @@ void OutputWindowWidget::resizeEvent(QResizeEvent* event) {
 }
 
 bool OutputWindowWidget::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::Expose)
+    // It comes also when the window leaves the desktop.
+    if (event->type() == QEvent::Expose && windowHandle()->isExposed())
         exposed.emit();
     return QWidget::eventFilter(watched, event);
 }

@@ -65,10 +65,13 @@ QtOutputWindow::QtOutputWindow(QtOutputWindowSurroundings surroundings, const Re
     , m_widget(std::move(surroundings.commands), flags(style))
     , m_resizeRests(m_loop, restAfterResizing, [this] { m_liveResizeEnded.emit(); })
     , m_scope(m_loop) {
+    if (m_requests.keepContent)
+        m_requests.keepContent(m_widget.winId());
     // Posted: a frame is not set from inside the report of another one.
     const auto adoptLater = [this] { m_scope.post([this] { adoptDecorations(); }); };
     // Nobody tells that the decorations have become others; these are the moments after it.
-    m_subscriptions.push_back(m_widget.exposed.subscribe(adoptLater));
+    m_subscriptions.push_back(
+        m_widget.exposed.subscribe([this] { m_scope.post([this] { shownByDesktop(); }); }));
     m_subscriptions.push_back(m_widget.moved.subscribe(adoptLater));
     m_subscriptions.push_back(m_widget.resizedByDesktop.subscribe([this, adoptLater] {
         resizedByDesktop();
@@ -114,7 +117,10 @@ Rect QtOutputWindow::frame() const {
 
 void QtOutputWindow::setFrame(const Rect& frame, Redisplay /*redisplay*/) {
     m_lastRequest = m_loop.now();
-    m_widget.setGeometry(toPixels(coordinates().toToolkit(contentRect(frame))));
+    const auto geometry = toPixels(coordinates().toToolkit(contentRect(frame)));
+    if (m_isParked)
+        park(geometry.topLeft());
+    m_widget.setGeometry(geometry);
     m_requested = Requested{frame, m_widget.geometry()};
     applyAspectRatio();
     awaitAnswer();
@@ -132,6 +138,28 @@ Rect QtOutputWindow::frameRect(const Rect& content) const {
     return {content.x - around.left(), content.y - around.bottom(),
             content.width + around.left() + around.right(),
             content.height + around.top() + around.bottom()};
+}
+
+void QtOutputWindow::setAllowsOffscreenPositioning(bool allows) {
+    if (m_isParked == allows)
+        return;
+    m_isParked = allows;
+    if (!allows) {
+        if (m_requests.unpark)
+            m_requests.unpark(m_widget.winId());
+        m_widget.hide();
+    }
+    applyFlags();
+}
+
+void QtOutputWindow::park(const QPoint& origin) {
+    if (!m_widget.isVisible())
+        return;
+    if (m_requests.park)
+        m_requests.park(m_widget.winId(),
+                        {static_cast<double>(origin.x()), static_cast<double>(origin.y())});
+    // It comes back at a frame, also when it filled the screen before.
+    m_widget.setWindowState(m_widget.windowState() & Qt::WindowMinimized);
 }
 
 bool QtOutputWindow::isMiniaturized() const {
@@ -170,7 +198,10 @@ void QtOutputWindow::show(Activation activation) {
         return;
     m_lastRequest = m_loop.now();
     m_widget.setAttribute(Qt::WA_ShowWithoutActivating, activation == Activation::unwanted);
+    m_isToBePlaced = true;
     m_widget.show();
+    if (m_isParked)
+        park(m_widget.geometry().topLeft());
     applyAspectRatio();
     joinAllWorkspaces();
 }
@@ -184,14 +215,20 @@ void QtOutputWindow::setContentView(OutputContainerView& view) {
 }
 
 void QtOutputWindow::setLevel(WindowLevel level) {
-    // On both objects: the widget's own setter would make another native window.
-    const auto onTop = [level](Qt::WindowFlags before) {
-        before.setFlag(Qt::WindowStaysOnTopHint, level == WindowLevel::floating);
-        return before;
+    m_level = level;
+    applyFlags();
+}
+
+void QtOutputWindow::applyFlags() {
+    const auto changed = [this](Qt::WindowFlags flags) {
+        flags.setFlag(Qt::WindowStaysOnTopHint, m_level == WindowLevel::floating);
+        flags.setFlag(Qt::BypassWindowManagerHint, m_isParked);
+        return flags;
     };
-    m_widget.overrideWindowFlags(onTop(m_widget.windowFlags()));
+    // On both objects: the widget's own setter would make another native window.
+    m_widget.overrideWindowFlags(changed(m_widget.windowFlags()));
     auto* const native = m_widget.windowHandle();
-    native->setFlags(onTop(native->flags()));
+    native->setFlags(changed(native->flags()));
 }
 
 void QtOutputWindow::setCollectionBehavior(CollectionBehavior behavior) {
@@ -222,13 +259,17 @@ void QtOutputWindow::center() {
              Redisplay::no);
 }
 
+Subscription QtOutputWindow::onDecorationsChanged(std::function<void()> callback) {
+    return m_decorationsChanged.subscribe(std::move(callback));
+}
+
 Subscription QtOutputWindow::onLiveResizeEnded(std::function<void()> callback) {
     return m_liveResizeEnded.subscribe(std::move(callback));
 }
 
 void QtOutputWindow::joinAllWorkspaces() {
     // Window managers forget it with every window that leaves the desktop.
-    if (m_isOnAllWorkspaces && m_widget.isVisible() && m_requests.joinAllWorkspaces)
+    if (m_isOnAllWorkspaces && !m_isParked && m_widget.isVisible() && m_requests.joinAllWorkspaces)
         m_requests.joinAllWorkspaces(m_widget.winId());
 }
 
@@ -243,7 +284,20 @@ void QtOutputWindow::applyAspectRatio() {
         m_requests.setContentAspectRatio(m_widget.winId(), *m_aspectRatio);
 }
 
+void QtOutputWindow::shownByDesktop() {
+    const bool isNew = std::exchange(m_isToBePlaced, false);
+    adoptDecorations();
+    // Window managers place a window that they take over, some of them elsewhere than was asked
+    // for. Once it is theirs, they do as they are asked.
+    if (isNew && m_requested && m_requested->geometry != m_widget.geometry())
+        setFrame(Rect(m_requested->frame), Redisplay::yes);
+}
+
 void QtOutputWindow::adoptDecorations() {
+    // Parked, or not yet taken over, it has none, but those that it comes back to are part of its
+    // frame.
+    if (m_isParked || m_isToBePlaced)
+        return;
     const auto decorations = m_widget.windowHandle()->frameMargins();
     if (decorations == m_decorations)
         return;
@@ -252,6 +306,7 @@ void QtOutputWindow::adoptDecorations() {
     applyMinimumSize();
     if (isWhereItWasPut)
         setFrame(Rect(m_requested->frame), Redisplay::yes);
+    m_decorationsChanged.emit();
 }
 
 void QtOutputWindow::resizedByDesktop() {
@@ -262,6 +317,7 @@ void QtOutputWindow::resizedByDesktop() {
 void QtOutputWindow::awaitAnswer() {
     m_answer = m_loop.runAfter(refusalIsLookedForEvery, [this] {
         m_widget.adoptNativeGeometry();
+        adoptDecorations();
         if (m_loop.now() - m_lastRequest < refusalIsLookedForUntil)
             awaitAnswer();
     });

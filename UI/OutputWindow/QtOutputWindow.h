@@ -43,9 +43,11 @@ public:
     Rect contentRect(const Rect& frame) const override;
     Rect frameRect(const Rect& content) const override;
 
-    /// How far off the screens a window may go is the window manager's decision here: what is asked
-    /// for is the same.
-    void setAllowsOffscreenPositioning(bool /*allows*/) override {}
+    /// No window manager lets a window that it manages leave the screens as far as is asked for
+    /// here. Allowed to, the window is taken from its manager with the next frame; it keeps its
+    /// decorations in all arithmetic, and so its size. Forbidden again, it is off the desktop until
+    /// it is shown, for only then a window manager takes it back.
+    void setAllowsOffscreenPositioning(bool allows) override;
 
     bool isMiniaturized() const override;
     void deminiaturize() override;
@@ -63,6 +65,7 @@ public:
     void setContentAspectRatio(Size ratio) override;
     void center() override;
 
+    Subscription onDecorationsChanged(std::function<void()> callback) override;
     Subscription onLiveResizeEnded(std::function<void()> callback) override;
 
     [[nodiscard]] OutputWindowWidget& widget() { return m_widget; }
@@ -78,9 +81,12 @@ private:
     [[nodiscard]] ToolkitCoordinates coordinates() const;
     [[nodiscard]] std::optional<Rect> mainVisibleFrame() const;
     void show(Activation activation);
+    void applyFlags();
+    void park(const QPoint& origin);
     void joinAllWorkspaces();
     void applyMinimumSize();
     void applyAspectRatio();
+    void shownByDesktop();
     void adoptDecorations();
     void resizedByDesktop();
     void awaitAnswer();
@@ -94,7 +100,12 @@ private:
     Seconds m_lastRequest{0};
     Size m_minimumFrameSize;
     std::optional<Size> m_aspectRatio;
+    WindowLevel m_level = WindowLevel::normal;
     bool m_isOnAllWorkspaces = false;
+    bool m_isParked = false;
+    /// Shown, but not yet seen to be on the desktop: the window manager may still be at work on it.
+    bool m_isToBePlaced = false;
+    Signal<> m_decorationsChanged;
     Signal<> m_liveResizeEnded;
     Debouncer m_resizeRests;
     Timer m_answer;

@@ -13,7 +13,7 @@ namespace kestrove {
 /// A window in memory, with a title bar of 30 points and borders of 2. Logs what is done to it.
 class ScriptedOutputWindow final : public OutputWindow {
 public:
-    static constexpr double titleBar = 30;
+    double titleBar = 30;
     static constexpr double border = 2;
 
     ScriptedOutputWindow(CallLog& calls, const Rect& content, WindowStyle windowStyle)
@@ -58,6 +58,9 @@ public:
     void setMinimumSize(Size frameSize) override { minimumSize = frameSize; }
     void setContentAspectRatio(Size ratio) override { aspectRatio = ratio; }
     void center() override { m_calls.add("center"); }
+    Subscription onDecorationsChanged(std::function<void()> callback) override {
+        return decorationsChanged.subscribe(std::move(callback));
+    }
     Subscription onLiveResizeEnded(std::function<void()> callback) override {
         return liveResizeEnded.subscribe(std::move(callback));
     }
@@ -76,6 +79,7 @@ public:
     std::optional<CollectionBehavior> behavior;
     std::optional<Size> minimumSize;
     std::optional<Size> aspectRatio;
+    Signal<> decorationsChanged;
     Signal<> liveResizeEnded;
 
 private:

@@ -97,6 +97,37 @@ TEST_F(OutputWindowAspectTest, WithoutAScreenTheFrameStays) {
     EXPECT_EQ(window->aspectRatio, (Size{1600, 800}));
 }
 
+TEST_F(OutputWindowAspectTest, DecorationsThatAreToldLateLeaveTheContentItsShape) {
+    makeUsualController();
+    controller->matchContentAspectRatio({800, 600});
+    // They take 50 points more of the frame, and the content loses them.
+    window->titleBar += 50;
+    EXPECT_EQ(window->contentSize(), (Size{800, 550}));
+    window->decorationsChanged.emit();
+    EXPECT_EQ(window->contentSize(), (Size{800, 600}));
+    EXPECT_EQ(window->current.center(), usualCenter);
+}
+
+TEST_F(OutputWindowAspectTest, DecorationsThatAreToldLateDoNotPushAFullFrameOffTheScreen) {
+    makeControllerAt({0, 0, 2560, 1400});
+    controller->matchContentAspectRatio({2560, 1400});
+    window->titleBar += 50;
+    window->decorationsChanged.emit();
+    EXPECT_LE(window->current.maxY(), 1400);
+    EXPECT_GE(window->current.minY(), 0);
+    EXPECT_NEAR(window->contentSize().width / window->contentSize().height, 2560.0 / 1400, 2e-3);
+}
+
+TEST_F(OutputWindowAspectTest, DecorationsAloneMoveNothing) {
+    makeUsualController();
+    window->decorationsChanged.emit();
+    controller->matchContentAspectRatio({800, 600});
+    controller->setHidden(true);
+    calls.clear();
+    window->decorationsChanged.emit();
+    EXPECT_EQ(calls.take(), Calls{}) << "no source yet, or parked";
+}
+
 TEST_F(OutputWindowAspectTest, AMatchWhileHiddenChangesOnlyWhatWillBeSeen) {
     makeUsualController();
     controller->setHidden(true);
