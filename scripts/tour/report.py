@@ -18,6 +18,10 @@ class Report:
         self.rows.append((number, done, seen, "equal" if passed else "DIFFERENT"))
         print(f"  {number} {done}: {seen}", flush=True)
 
+    def picture(self, name, screen):
+        """One more of the stop that comes next."""
+        screen.save(self.folder / f"{len(self.rows) + 1:02d}-{name}.png")
+
     @property
     def passed(self):
         return bool(self.rows) and all(row[3] == "equal" for row in self.rows)

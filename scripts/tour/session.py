@@ -3,6 +3,7 @@
 import contextlib
 import os
 import signal
+import time
 
 from camera import Camera
 from desktop import DISPLAYS, wait_until
@@ -22,14 +23,15 @@ class Session:
         self.camera = Camera(desktop.environment["DISPLAY"])
         self.pointer = (0, 0)
         self.moving = {"LEFT": [], "RIGHT": []}  # process identifiers
-        self.terminal = None
+        self.terminals = {}
         self.kestrove = None
         self.window = None
+        self.menu = None  # the screen as it was when an entry was chosen
 
     # Programs.
 
     def start_programs(self):
-        self.terminal = self._start_terminal("LEFT", "display 1", "72x24+330+60")
+        self._start_terminal("LEFT", "display 1", "72x24+330+60")
         self._start_terminal("RIGHT", "display 2", "80x30+1480+120")
         # Never covered, so it may be held whole.
         clock = self.desktop.start("xclock", "-update", "1", "-geometry", "220x220+50+60")
@@ -47,13 +49,14 @@ class Session:
             SCROLLING.format(pid=f"'{file}'"))
         wait_until(lambda: file.exists() and file.read_text().strip(), f"the terminal {title}")
         self.moving[display].append(int(file.read_text()))
-        return terminal
+        self.terminals[title] = terminal, display
 
-    def kill_terminal(self):
-        """That of display 1, and with it what runs in it."""
-        self.moving["LEFT"].pop(0)  # the number may be another program's soon
-        self.desktop.end(self.terminal)
-        wait_until(lambda: not self.desktop.find_window("display 1"), "the terminal to go")
+    def kill_terminal(self, title):
+        """And with it what runs in it."""
+        terminal, display = self.terminals.pop(title)
+        self.moving[display].pop(0)  # the number may be another program's soon
+        self.desktop.end(terminal)
+        wait_until(lambda: not self.desktop.find_window(title), "the terminal to go")
 
     def freeze(self, *displays):
         """Stops what moves there, and returns when the picture has come to rest."""
@@ -83,6 +86,11 @@ class Session:
 
     def display(self, name, screen=None):
         return (screen or self.screen()).cut(*DISPLAYS[name])
+
+    def content(self, title, screen=None):
+        """What a window shows that nothing covers."""
+        window = self.desktop.find_window(title)
+        return (screen or self.screen()).cut(*self.desktop.geometry(window))
 
     def output(self, screen=None):
         """What the output window shows, as far as it is on the screen."""
@@ -129,11 +137,36 @@ class Session:
         self.desktop.run("xdotool", "key", *keys)
 
     def choose_in_menu(self, entry):
-        """The entry of this number (from 1) of the output window's menu."""
+        """The entry of this name, see `_menu`, in the output window's menu. By the keyboard, while
+        nothing else moves on the screen."""
         before = self.screen().data
         self.press("Menu")
         wait_until(lambda: self.screen().data != before, "the menu")
-        self.desktop.run("xdotool", "key", *["Down"] * entry, "Return")
+        # It lists the sources anew when it opens, and the entries move when that is done.
+        self._wait_for_rest(1.0)
+        steps = self._menu().index(entry) + 1
+        self.desktop.run("xdotool", "key", *["Down"] * steps)
+        self._wait_for_rest(0.2)
+        self.menu = self.screen()
+        self.desktop.run("xdotool", "key", "Return")
+        wait_until(lambda: self.screen().data != self.menu.data, "the menu to close")
+
+    def _menu(self):
+        """The entries that the keyboard stops at, from the top down to the last source. Windows are
+        sorted by the names of their applications."""
+        windows = [title for title in ("xclock", "xeyes", "xlogo", "display 1", "display 2")
+                   if self.desktop.find_window(title)]
+        return ["session", "mouse", "focused", *DISPLAYS, *windows]
+
+    def _wait_for_rest(self, seconds):
+        last = [self.screen().data, time.monotonic()]
+
+        def rests():
+            now = self.screen().data
+            if now != last[0]:
+                last[:] = now, time.monotonic()
+            return time.monotonic() - last[1] >= seconds
+        wait_until(rests, "the screen to come to rest")
 
     def move_pointer(self, x, y):
         self.pointer = (x, y)

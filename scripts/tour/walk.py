@@ -10,6 +10,8 @@ from desktop import DISPLAYS, wait_until
 FULL = (1320, 40, 1280, 800)
 # And on display 1: half of it.
 HALF = (560, 320, 640, 400)
+# Where the output covers nothing of what is compared: a corner of display 1.
+AWAY = (20, 20)
 SETTLES_WITHIN = 5.0
 
 
@@ -52,6 +54,14 @@ class Walk:
             return wrong < 0.001, f"{size}, {100 * wrong:.2f} % of the scaled pixels differ"
         return self._settled(matches)
 
+    def _equals_window(self, title):
+        """Pixel by pixel. The pointer is elsewhere."""
+        def matches(screen):
+            output, source = self.session.output(screen), self.session.content(title, screen)
+            count = pixels.differing_pixels(output, source)
+            return count == 0, f"{output.width}x{output.height}, {count} pixels differ"
+        return self._settled(matches)
+
     def _is_placeholder(self, screen):
         """Black but for the text in its middle."""
         output = self.session.output(screen)
@@ -68,6 +78,10 @@ class Walk:
         self.pointer_back()
         self.output_on_shared_display()
         self.kill_a_program()
+        self.tick_a_window()
+        self.window_moves()
+        self.kill_the_shared_program()
+        self.back_to_the_pointer()
         self.stop()
         self.start()
         self.unplug_the_shared_display()
@@ -135,15 +149,65 @@ class Walk:
         session = self.session
         session.place_output(*FULL)
         before = session.display("LEFT")
-        session.kill_terminal()
+        session.kill_terminal("display 1")
         passed, seen, screen = self._equals("LEFT")
         gone = pixels.differing_pixels(session.display("LEFT", screen), before)
         self.report.stop("kill-a-program", "kill the terminal on display 1",
                          f"{seen} ({gone} with the terminal)", passed and gone > 100000, screen)
 
+    def tick_a_window(self):
+        """That of the terminal on display 2, which then nothing covers."""
+        session = self.session
+        session.freeze("RIGHT")
+        session.choose_in_menu("display 2")
+        self.report.picture("menu", session.menu)
+        content = session.content("display 2")
+        before = session.display("LEFT").cut(0, 0, content.width, content.height)
+        # Once the window has taken the terminal's proportions, its very size.
+        wait_until(lambda: self._has_proportions(content), "the output's new proportions")
+        session.place_output(*AWAY, content.width, content.height)
+        passed, seen, screen = self._equals_window("display 2")
+        other = pixels.differing_pixels(session.output(screen), before)
+        self.report.stop("tick-a-window", "tick the terminal of display 2 in the menu",
+                         f"{seen} ({other} from display 1)", passed and other > 100000, screen)
+
+    def _has_proportions(self, picture):
+        """Within the pixel that rounding takes."""
+        _, _, width, height = self.session.desktop.geometry(self.session.window)
+        return abs(width * picture.height - height * picture.width) <= max(picture.width,
+                                                                           picture.height)
+
+    def window_moves(self):
+        session = self.session
+        before = session.output()
+        session.thaw("RIGHT")
+        wait_until(lambda: pixels.differing_pixels(session.output(), before) > 2000,
+                   "the output to move")
+        session.freeze("RIGHT")
+        passed, seen, screen = self._equals_window("display 2")
+        moved = pixels.differing_pixels(session.output(screen), before)
+        self.report.stop("window-moves", "let the terminal run, then hold it",
+                         f"{seen} ({moved} from before)", passed and moved > 2000, screen)
+
+    def kill_the_shared_program(self):
+        self.session.kill_terminal("display 2")
+        passed, seen, screen = self._settled(self._is_placeholder)
+        self.report.stop("kill-the-shared-program", "kill the terminal whose window is shared",
+                         seen, passed, screen)
+
+    def back_to_the_pointer(self):
+        session = self.session
+        session.choose_in_menu("mouse")
+        session.press("space")
+        self._equals_scaled("LEFT", session.display("LEFT"))
+        session.place_output(*FULL)
+        passed, seen, screen = self._equals("LEFT")
+        self.report.stop("back-to-the-pointer", "follow the pointer again, chosen in the menu, "
+                         "and start", seen, passed, screen)
+
     def stop(self):
         session = self.session
-        session.choose_in_menu(1)
+        session.choose_in_menu("session")
         session.thaw("LEFT")
         session.move_pointer(400, 400)
         passed, seen, screen = self._settled(self._is_placeholder)
