@@ -44,6 +44,11 @@ NativeWindowRequests X11Desktop::windowRequests() {
     requests.joinAllWorkspaces = [this](NativeViewHandle window) {
         m_windowManager.joinAllWorkspaces(window);
     };
+    requests.setLevel = [this](NativeViewHandle window, WindowLevel level) {
+        m_windowManager.setStacking(window, level == WindowLevel::floating
+                                                ? x11::Stacking::above
+                                                : x11::Stacking::ordinary);
+    };
     requests.activate = [this](NativeViewHandle window) { m_windowManager.activate(window); };
     requests.keepContent = [this](NativeViewHandle window) { m_windowManager.keepContent(window); };
     requests.park = [this](NativeViewHandle window, Point origin) {

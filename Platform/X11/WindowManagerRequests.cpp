@@ -21,7 +21,10 @@ constexpr std::size_t minimumAspectField = 11;
 constexpr std::size_t maximumAspectField = 13;
 constexpr std::uint32_t hasAspectFlag = 1U << 7;
 
+constexpr std::uint32_t sourceIsApplication = 1;
 constexpr std::uint32_t sourceIsPager = 2;
+constexpr std::uint32_t removeState = 0;
+constexpr std::uint32_t addState = 1;
 constexpr std::uint32_t allWorkspaces = 0xffffffff;
 
 std::uint32_t whole(double value) {
@@ -59,6 +62,15 @@ void WindowManagerRequests::joinAllWorkspaces(NativeViewHandle window) {
     data.data32[0] = allWorkspaces;
     data.data32[1] = sourceIsPager;
     sendToWindowManager(static_cast<xcb_window_t>(window), "_NET_WM_DESKTOP", data);
+    xcb_flush(m_connection);
+}
+
+void WindowManagerRequests::setStacking(NativeViewHandle window, Stacking stacking) {
+    xcb_client_message_data_t data{};
+    data.data32[0] = stacking == Stacking::above ? addState : removeState;
+    data.data32[1] = atom("_NET_WM_STATE_ABOVE");
+    data.data32[3] = sourceIsApplication;
+    sendToWindowManager(static_cast<xcb_window_t>(window), "_NET_WM_STATE", data);
     xcb_flush(m_connection);
 }
 

@@ -10,6 +10,8 @@
 
 namespace kestrove::x11 {
 
+enum class Stacking { ordinary, above };
+
 /// What a top-level window of this program asks of the window manager where its toolkit has no word
 /// for it.
 ///
@@ -27,6 +29,9 @@ public:
 
     /// The window, which must be on the desktop, is on all workspaces from now on.
     void joinAllWorkspaces(NativeViewHandle window);
+
+    /// The window, which must be on the desktop, is kept above ordinary windows, or is one of them.
+    void setStacking(NativeViewHandle window, Stacking stacking);
 
     /// In front, with the focus, as a pager would do it for the user: window managers refuse an
     /// application's own wish while the user works in another one. Without a window manager the

@@ -2,10 +2,13 @@
 
 #include "Desktop/DisplayLayer.h"
 #include "Desktop/Geometry.h"
+#include "UI/OutputWindow/OutputWindow.h"
 
 #include <functional>
 
 namespace kestrove {
+
+enum class StackingLayer { normal, above };
 
 /// What the output window asks of the window manager beyond what Qt can ask. Each may be empty
 /// where a desktop knows no such thing. Main thread; the window exists.
@@ -15,6 +18,12 @@ struct NativeWindowRequests {
     std::function<void(NativeViewHandle window, Size ratio)> setContentAspectRatio;
     /// On every workspace; again after every time the window was shown.
     std::function<void(NativeViewHandle window)> joinAllWorkspaces;
+    /// Above all ordinary windows, or among them; again after every time the window was shown.
+    std::function<void(NativeViewHandle window, StackingLayer layer)> setLayer;
+    /// Above all normal windows, or among them; again after every time the window was shown. Qt's
+    /// own wish for it would have the window made anew at the next time that it is shown, and its
+    /// number with it.
+    std::function<void(NativeViewHandle window, WindowLevel level)> setLevel;
     /// In front and with the focus, even while another application is active.
     std::function<void(NativeViewHandle window)> activate;
     /// The window's content exists by itself from now on: also what is covered, or outside the

@@ -202,6 +202,8 @@ void QtOutputWindow::show(Activation activation) {
     m_widget.show();
     if (m_isParked)
         park(m_widget.geometry().topLeft());
+    if (m_level != WindowLevel::normal)
+        applyLevel();
     applyAspectRatio();
     joinAllWorkspaces();
 }
@@ -216,12 +218,11 @@ void QtOutputWindow::setContentView(OutputContainerView& view) {
 
 void QtOutputWindow::setLevel(WindowLevel level) {
     m_level = level;
-    applyFlags();
+    applyLevel();
 }
 
 void QtOutputWindow::applyFlags() {
     const auto changed = [this](Qt::WindowFlags flags) {
-        flags.setFlag(Qt::WindowStaysOnTopHint, m_level == WindowLevel::floating);
         flags.setFlag(Qt::BypassWindowManagerHint, m_isParked);
         return flags;
     };
@@ -271,6 +272,11 @@ void QtOutputWindow::joinAllWorkspaces() {
     // Window managers forget it with every window that leaves the desktop.
     if (m_isOnAllWorkspaces && !m_isParked && m_widget.isVisible() && m_requests.joinAllWorkspaces)
         m_requests.joinAllWorkspaces(m_widget.winId());
+}
+
+void QtOutputWindow::applyLevel() {
+    if (m_widget.isVisible() && !m_isParked && m_requests.setLevel)
+        m_requests.setLevel(m_widget.winId(), m_level);
 }
 
 void QtOutputWindow::applyMinimumSize() {

@@ -84,6 +84,7 @@ private:
     void applyFlags();
     void park(const QPoint& origin);
     void joinAllWorkspaces();
+    void applyLevel();
     void applyMinimumSize();
     void applyAspectRatio();
     void shownByDesktop();
