@@ -34,6 +34,8 @@ X11Desktop::X11Desktop(std::unique_ptr<x11::Connection> connection, DescriptorWa
     , m_windowServer(*m_connection, m_monitors)
     , m_workspace(*m_connection, watching, m_applications)
     , m_screenCapture(*m_connection, m_monitors, m_applications, m_motion)
+    , m_hotKeys(*m_connection)
+    , m_keyTexts(*m_connection)
     , m_recordingAccess(*m_connection) {}
 
 NativeWindowRequests X11Desktop::windowRequests() {

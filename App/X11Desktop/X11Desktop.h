@@ -2,6 +2,8 @@
 
 #include "Platform/X11/Capture/X11ScreenCapture.h"
 #include "Platform/X11/Connection.h"
+#include "Platform/X11/HotKeys/KeyTexts.h"
+#include "Platform/X11/HotKeys/X11HotKeys.h"
 #include "Platform/X11/Pointer.h"
 #include "Platform/X11/RawMotion.h"
 #include "Platform/X11/ScreenRecordingAccess.h"
@@ -33,6 +35,8 @@ public:
     [[nodiscard]] WindowServer& windowServer() { return m_windowServer; }
     [[nodiscard]] Workspace& workspace() { return m_workspace; }
     [[nodiscard]] ScreenCapture& screenCapture() { return m_screenCapture; }
+    [[nodiscard]] HotKeys& hotKeys() { return m_hotKeys; }
+    [[nodiscard]] const x11::KeyTexts& keyTexts() const { return m_keyTexts; }
     [[nodiscard]] ScreenRecordingAccess& recordingAccess() { return m_recordingAccess; }
 
     /// Not to be used after this object.
@@ -52,6 +56,8 @@ private:
     x11::WindowServer m_windowServer;
     x11::Workspace m_workspace;
     x11::X11ScreenCapture m_screenCapture;
+    x11::X11HotKeys m_hotKeys;
+    x11::KeyTexts m_keyTexts;
     x11::ScreenRecordingAccess m_recordingAccess;
 };
 

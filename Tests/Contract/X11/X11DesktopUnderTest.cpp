@@ -1,7 +1,15 @@
 #include "Tests/Contract/X11/X11DesktopUnderTest.h"
 
+#include "Platform/X11/HotKeys/PhysicalKeys.h"
 #include "Tests/Support/PixelReader/PixelReader.h"
 #include "Tests/Support/Processes/Waiting.h"
+#include "Tests/Support/XServer/KeyPresses.h"
+#include "Tests/Support/XServer/Reply.h"
+
+#include <array>
+#include <ranges>
+#include <utility>
+#include <vector>
 
 #include <unistd.h>
 
@@ -25,6 +33,23 @@ test::Color pixelOf(const Color& color) {
            static_cast<std::uint32_t>(color.green) << 8U | static_cast<std::uint32_t>(color.blue);
 }
 
+/// The key itself last.
+std::vector<xcb_keycode_t> serverKeys(std::uint32_t keyCode, std::uint32_t modifiers) {
+    constexpr std::array<std::pair<std::uint32_t, xcb_keycode_t>, 4> modifierKeys{{
+        {0x1000, test::ServerKey::control},
+        {0x800, test::ServerKey::alt},
+        {0x200, test::ServerKey::shift},
+        {0x100, test::ServerKey::super},
+    }};
+    std::vector<xcb_keycode_t> keys;
+    for (const auto& [bit, key] : modifierKeys) {
+        if ((modifiers & bit) != 0)
+            keys.push_back(key);
+    }
+    keys.push_back(x11::serverCodeOf(keyCode).value());
+    return keys;
+}
+
 } // namespace
 
 X11DesktopUnderTest::X11DesktopUnderTest()
@@ -38,7 +63,8 @@ X11DesktopUnderTest::X11DesktopUnderTest()
     , m_windowServer(*m_connection, m_layout)
     , m_workspace(*m_connection, m_loop, m_applications)
     , m_access(*m_connection)
-    , m_capture(*m_connection, m_layout, m_applications, m_motion) {
+    , m_capture(*m_connection, m_layout, m_applications, m_motion)
+    , m_hotKeys(*m_connection) {
     m_desktop.server().movePointer(1, 1);
     settle();
 }
@@ -147,6 +173,33 @@ void X11DesktopUnderTest::movePointer(Point to) {
     const auto& main = m_layout.monitors().front().rectangle;
     m_desktop.server().movePointer(main.x + static_cast<int>(to.x),
                                    main.y + main.height - 1 - static_cast<int>(to.y));
+}
+
+void X11DesktopUnderTest::pressKey(std::uint32_t keyCode, std::uint32_t modifiers) {
+    test::pressTogether(m_desktop.connection(), serverKeys(keyCode, modifiers));
+}
+
+void X11DesktopUnderTest::holdKey(std::uint32_t keyCode, std::uint32_t modifiers) {
+    const auto keys = serverKeys(keyCode, modifiers);
+    for (const auto key : keys)
+        test::keyDown(m_desktop.connection(), key);
+    int repeated = 0;
+    const auto counting = m_connection->events.subscribe([&](const auto& event) {
+        repeated += (event.response_type & 0x7FU) == XCB_KEY_PRESS ? 1 : 0;
+    });
+    EXPECT_TRUE(waitUntil([&] { return repeated > 3; })) << "the server repeats held keys";
+    for (const auto key : keys | std::views::reverse)
+        test::keyUp(m_desktop.connection(), key);
+}
+
+void X11DesktopUnderTest::takeHotKeyByOtherProgram(std::uint32_t keyCode, std::uint32_t modifiers) {
+    const auto map = x11::readModifierMap(*m_connection);
+    const test::Reply error(xcb_request_check(
+        m_desktop.connection(),
+        xcb_grab_key_checked(m_desktop.connection(), 0, m_desktop.root(),
+                             map.serverModifiers(modifiers), x11::serverCodeOf(keyCode).value(),
+                             XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC)));
+    EXPECT_FALSE(error);
 }
 
 NativeViewHandle X11DesktopUnderTest::makeView(Size pixels) {

@@ -2,6 +2,7 @@
 
 #include "Platform/X11/Capture/X11DisplayLayer.h"
 #include "Platform/X11/Capture/X11ScreenCapture.h"
+#include "Platform/X11/HotKeys/X11HotKeys.h"
 #include "Platform/X11/Pointer.h"
 #include "Platform/X11/ScreenRecordingAccess.h"
 #include "Platform/X11/Screens/Screens.h"
@@ -32,6 +33,7 @@ public:
     Workspace& workspace() override { return m_workspace; }
     Screens& screens() override { return m_screens; }
     Pointer& pointer() override { return m_pointer; }
+    HotKeys& hotKeys() override { return m_hotKeys; }
     ScreenRecordingAccess& screenRecordingAccess() override { return m_access; }
 
     bool waitUntil(const std::function<bool()>& condition) override;
@@ -52,6 +54,9 @@ public:
     void focusWindow(WindowID window) override;
     void focusNothing() override;
     void movePointer(Point to) override;
+    void pressKey(std::uint32_t keyCode, std::uint32_t modifiers) override;
+    void holdKey(std::uint32_t keyCode, std::uint32_t modifiers) override;
+    void takeHotKeyByOtherProgram(std::uint32_t keyCode, std::uint32_t modifiers) override;
     NativeViewHandle makeView(Size pixels) override;
     void destroyView(NativeViewHandle view) override;
     Color colorInView(NativeViewHandle view, Point pixel) override;
@@ -80,6 +85,7 @@ private:
     x11::Workspace m_workspace;
     x11::ScreenRecordingAccess m_access;
     x11::X11ScreenCapture m_capture;
+    x11::X11HotKeys m_hotKeys;
     std::map<ProcessID, Application> m_running;
     std::map<WindowID, OpenWindow> m_windows;
     std::map<NativeViewHandle, std::unique_ptr<test::TestWindow>> m_views;
