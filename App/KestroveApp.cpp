@@ -1,13 +1,18 @@
 #include "App/KestroveApp.h"
 
 #include "App/PrivacyPolicy.h"
+#include "Core/GlobalShortcuts/HotKeyServiceRegistrar.h"
+#include "Platform/Qt/QtAnnouncement.h"
 #include "Platform/X11/Capture/X11DisplayLayer.h"
+#include "Platform/X11/HotKeys/PhysicalKeys.h"
 #include "UI/Alerts/RunModalAlert.h"
 #include "UI/OutputWindow/QtOutputWindow.h"
 #include "Util/ScreenGeometry.h"
 
 #include <QWindow>
 
+#include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -35,6 +40,21 @@ QtApplication::BringToFront bringToFront(X11Desktop& desktop) {
     };
 }
 
+/// A shortcut that cannot work is not offered.
+MenuShortcutTexts menuShortcutTexts(const ShortcutBindings& bindings) {
+    const auto text = [&bindings](ShortcutAction action) {
+        const auto& binding = bindings.at(action);
+        return binding.isValid() ? std::optional(binding.display()) : std::nullopt;
+    };
+    return {text(ShortcutAction::startStop), text(ShortcutAction::showPicker),
+            text(ShortcutAction::showWindow), text(ShortcutAction::hideToggle)};
+}
+
+std::unique_ptr<HotKeyRegistrar> hotKeyRegistrar(KestroveGround ground) {
+    return std::make_unique<HotKeyServiceRegistrar>(ground.loop, ground.desktop.hotKeys(),
+                                                    ground.log, KestroveApp::bundleIdentifier);
+}
+
 } // namespace
 
 KestroveApp::KestroveApp(KestroveGround ground)
@@ -55,8 +75,13 @@ KestroveApp::KestroveApp(KestroveGround ground)
     , m_outputWindow(m_containerView,
                      {m_settings.alwaysOnTop.get(), m_settings.hideOutputWindow.get()},
                      windowPlatform(ground))
+    , m_globalShortcuts(hotKeyRegistrar(ground), ground.log, bundleIdentifier)
     , m_controller(collaborators(ground))
     , m_appDelegate(m_application, m_settings, m_controller, m_outputWindow, m_outputContainer)
+    , m_settingsWindow(settingsCollaborators(ground),
+                       [activate = ground.desktop.windowRequests().activate](QWidget& window) {
+                           activate(window.winId());
+                       })
     , m_menuBarView(menuCollaborators(ground))
     , m_menu(m_menuBarView) {}
 
@@ -102,6 +127,19 @@ AppControllerCollaborators KestroveApp::collaborators(KestroveGround ground) {
         .systemLog = ground.log,
         .logSubsystem = bundleIdentifier,
         .diagnosticOutput = m_diagnosticOutput,
+        .globalShortcuts = &m_globalShortcuts,
+    };
+}
+
+SettingsViewCollaborators KestroveApp::settingsCollaborators(KestroveGround ground) {
+    return {
+        .loop = ground.loop,
+        .settings = m_settings,
+        .globalShortcuts = m_globalShortcuts,
+        .keyboard = {.keyCode = x11::keyCodeOf,
+                     .characters = [&texts = ground.desktop.keyTexts()](
+                                       std::uint32_t keyCode) { return texts.characters(keyCode); },
+                     .announce = announceToScreenReader},
     };
 }
 
@@ -111,10 +149,10 @@ MenuBarViewCollaborators KestroveApp::menuCollaborators(KestroveGround ground) {
         .settings = m_settings,
         .controller = m_controller,
         .outputWindow = m_outputWindow,
-        .shortcutTexts = {},
+        .shortcutTexts = [this] { return menuShortcutTexts(m_settings.shortcutBindings.get()); },
         .openScreenRecordingPreferences = {}, // X knows no such permission
         .showSourcePicker = {},
-        .openSettings = {},
+        .openSettings = [this] { m_settingsWindow.open(); },
         .openPrivacyPolicy = [this] { openPrivacyPolicy(m_application); },
         .quit = [this] { m_appDelegate.terminate(); },
     };

@@ -5,6 +5,7 @@
 #include "Core/AppController/AppController.h"
 #include "Core/AppController/TimerSourceRefreshScheduler.h"
 #include "Core/CaptureEngine/CaptureEngine.h"
+#include "Core/GlobalShortcuts/GlobalShortcuts.h"
 #include "Core/LiveScreenRecordingPermission.h"
 #include "Core/SourceLister/ScreenCaptureSourceSnapshotLister.h"
 #include "Core/SourceLister/WindowServerExistenceChecker.h"
@@ -16,6 +17,7 @@
 #include "UI/MenuBarView/NativeMenu.h"
 #include "UI/OutputWindow/OutputWindowCommands.h"
 #include "UI/OutputWindow/OutputWindowController.h"
+#include "UI/SettingsView/SettingsWindow.h"
 
 #include <memory>
 
@@ -52,6 +54,7 @@ private:
     [[nodiscard]] OutputWindowPlatform windowPlatform(KestroveGround ground);
     [[nodiscard]] OutputWindowCommands windowCommands();
     [[nodiscard]] AppControllerCollaborators collaborators(KestroveGround ground);
+    [[nodiscard]] SettingsViewCollaborators settingsCollaborators(KestroveGround ground);
     [[nodiscard]] MenuBarViewCollaborators menuCollaborators(KestroveGround ground);
 
     QtApplication m_application;
@@ -73,8 +76,10 @@ private:
     OutputContainer m_outputContainer;
     OutputWindowController m_outputWindow;
 
+    GlobalShortcuts m_globalShortcuts;
     AppController m_controller;
     AppDelegate m_appDelegate;
+    SettingsWindow m_settingsWindow;
     MenuBarView m_menuBarView;
     NativeMenu m_menu;
 };
