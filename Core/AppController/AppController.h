@@ -162,6 +162,7 @@ private:
     // Availability.cpp: the lists.
     [[nodiscard]] SourceVisibilityCoordinator& sourceVisibilityCoordinator();
     void adopt(const SourceVisibilityCoordinator::Refresh& refresh);
+    void displaysDidChange();
     [[nodiscard]] Task<void> listingDidFail(PlatformError error);
     void pruneTerminatedManualSources(const CaptureSourceSet& terminated);
 

@@ -54,13 +54,23 @@ Task<void> AppController::refreshAvailableSources() {
 }
 
 void AppController::adopt(const SourceVisibilityCoordinator::Refresh& refresh) {
-    m_latestAvailableDisplayIDs.clear();
+    const auto previousDisplayIDs = std::exchange(m_latestAvailableDisplayIDs, {});
     for (const auto& display : refresh.lists.displays)
         m_latestAvailableDisplayIDs.push_back(display.source.identifier());
     m_unavailableManualSources.set(refresh.unavailableSources);
     const auto& picked = m_with.settings.manualSources.get();
     m_availableSources.set(lists(refresh.lists, CaptureSourceSet(picked.begin(), picked.end())));
     pruneTerminatedManualSources(refresh.terminatedSources);
+    if (m_latestAvailableDisplayIDs != previousDisplayIDs)
+        displaysDidChange();
+}
+
+/// The tracker tells another display only once: what it told while the display was not known yet,
+/// or while none was, is done now.
+void AppController::displaysDidChange() {
+    if (isSessionActive() && isAutoFollow(m_followMode) && !m_isHandlingSourceFailure &&
+        !m_latestAvailableDisplayIDs.empty())
+        follow(autoDisplaySource(m_with.displayTracker.currentDisplay().get()));
 }
 
 Task<void> AppController::listingDidFail(PlatformError error) {

@@ -114,12 +114,47 @@ TEST(AppControllerAvailability, AFailedEnumerationKeepsTheListsAndIsLogged) {
     bench.pointAt(2);
     EXPECT_EQ(bench.active(), display1);
     EXPECT_EQ(bench.reasons().back(), "availableDisplayUnavailable");
+    // Then the pointer's display is shown without the pointer having to move.
     bench.lister.failure.reset();
     bench.scheduler.tick();
     bench.settle();
-    bench.pointAt(1);
-    bench.pointAt(2);
     EXPECT_EQ(bench.active(), display2);
+}
+
+TEST(AppControllerAvailability, ADisplayThatTheEnumerationLearnsOfLateIsFollowed) {
+    ControllerBench bench;
+    bench.lister.remove(display2);
+    bench.create();
+    bench.startAndRun();
+    bench.pointAt(2);
+    EXPECT_EQ(bench.active(), display1);
+    EXPECT_EQ(bench.reasons().back(), "displayIDNotEnumerated");
+    bench.lister.addDisplay(2);
+    bench.scheduler.tick();
+    bench.settle();
+    EXPECT_EQ(bench.active(), display2);
+    // Nothing is done again while the displays stay the same.
+    static_cast<void>(bench.events());
+    bench.scheduler.tick();
+    bench.settle();
+    EXPECT_EQ(std::ranges::count(bench.events(), "engine switch display 2"), 0);
+}
+
+TEST(AppControllerAvailability, ASessionThatWaitsForDisplaysEndsItsWaitingWithThem) {
+    ControllerBench bench;
+    bench.createManual({display1});
+    bench.startAndRun();
+    bench.settings->manualSources.set({});
+    bench.lister.failure = PlatformError("X11", 42);
+    bench.scheduler.tick();
+    bench.settle();
+    bench.settings->followMode.set(FollowMode::focusedApp);
+    bench.settle();
+    ASSERT_EQ(bench.state(), State::waitingForSource());
+    bench.lister.failure.reset();
+    bench.scheduler.tick();
+    bench.settle();
+    EXPECT_EQ(bench.state(), State::running());
 }
 
 TEST(AppControllerAvailability, WithdrawnPermissionEndsASessionAtTheNextRefresh) {

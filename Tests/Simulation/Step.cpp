@@ -1,0 +1,112 @@
+#include "Tests/Simulation/Step.h"
+
+#include <array>
+#include <fmt/format.h>
+#include <random>
+
+namespace kestrove::simulation {
+
+namespace {
+
+struct Kind {
+    const char* name;
+    /// How often it comes, relative to the others.
+    unsigned weight;
+};
+
+constexpr std::array<Kind, static_cast<std::size_t>(StepKind::count)> kinds{{
+    {"plug a display", 3},
+    {"unplug a display", 3},
+    {"change a display", 2},
+    {"launch an application", 2},
+    {"quit an application", 3},
+    {"open a window", 4},
+    {"reopen a window under its old number", 2},
+    {"close a window", 4},
+    {"show or hide a window", 3},
+    {"raise a window", 3},
+    {"move a window", 3},
+    {"paint a window", 4},
+    {"retitle a window", 1},
+    {"move the pointer", 8},
+    {"focus an application", 5},
+    {"focus nothing", 1},
+    {"focus the program", 1},
+    {"resign the session", 2},
+    {"become the session", 3},
+    {"screens sleep", 2},
+    {"screens wake", 3},
+    {"withdraw the permission", 1},
+    {"give the permission", 3},
+    {"choose what a request answers", 1},
+    {"plan an operation", 9},
+    {"release the operations", 6},
+    {"end all streams", 2},
+    {"the display layer fails", 1},
+    {"the window list becomes unreadable", 1},
+    {"the window list becomes readable", 2},
+    {"fill the disk", 1},
+    {"free the disk", 2},
+    {"press start", 10},
+    {"press stop", 4},
+    {"set the follow mode", 6},
+    {"toggle a source", 9},
+    {"set the manual sources", 3},
+    {"set the frame rate", 1},
+    {"toggle hidden", 2},
+    {"toggle always on top", 1},
+    {"press refresh", 3},
+    {"resize the output", 1},
+    {"minimise the output", 1},
+    {"restart the program", 1},
+    {"corrupt the settings and restart", 1},
+}};
+
+constexpr std::array<const char*, static_cast<std::size_t>(Pause::count)> pauses{
+    "", "a few operations", "until idle", "milliseconds", "a moment", "seconds"};
+
+/// The standard's distributions differ between libraries; the engine does not.
+std::uint32_t below(std::mt19937_64& random, std::uint32_t bound) {
+    return static_cast<std::uint32_t>(random() % bound);
+}
+
+StepKind pickKind(std::mt19937_64& random) {
+    unsigned total = 0;
+    for (const auto& kind : kinds)
+        total += kind.weight;
+    auto ticket = below(random, total);
+    std::size_t index = 0;
+    while (ticket >= kinds.at(index).weight)
+        ticket -= kinds.at(index++).weight;
+    return static_cast<StepKind>(index);
+}
+
+Pause pickPause(std::mt19937_64& random) {
+    constexpr std::array<Pause, 10> tickets{
+        Pause::none,      Pause::none,         Pause::fewOperations, Pause::fewOperations,
+        Pause::untilIdle, Pause::milliseconds, Pause::milliseconds,  Pause::moment,
+        Pause::moment,    Pause::seconds};
+    return tickets.at(below(random, tickets.size()));
+}
+
+} // namespace
+
+Steps makeSteps(std::uint64_t seed) {
+    std::mt19937_64 random(seed);
+    Steps steps(20 + below(random, 60));
+    for (auto& step : steps) {
+        step.kind = pickKind(random);
+        step.pause = pickPause(random);
+        step.a = below(random, 1U << 16);
+        step.b = below(random, 1U << 16);
+    }
+    return steps;
+}
+
+std::string describe(const Step& step) {
+    const auto* const pause = pauses.at(static_cast<std::size_t>(step.pause));
+    return fmt::format("{} ({}, {}){}{}", kinds.at(static_cast<std::size_t>(step.kind)).name,
+                       step.a, step.b, *pause ? ", then " : "", pause);
+}
+
+} // namespace kestrove::simulation

@@ -1,0 +1,291 @@
+#include "Tests/Simulation/World.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <utility>
+
+namespace kestrove::simulation {
+
+namespace {
+
+/// Short enough that nothing is seen in between that no look catches.
+constexpr Seconds lookEvery{0.005};
+
+} // namespace
+
+World::World() {
+    m_desktop.addDisplay({.displayID = m_nextDisplay++, .frame = {0, 0, 1440, 900}});
+    m_desktop.addDisplay({.displayID = m_nextDisplay++, .frame = {1440, 0, 1920, 1080}});
+    apply({.kind = StepKind::launchApplication});
+    apply({.kind = StepKind::openWindow, .a = 1, .b = 2});
+    restart();
+}
+
+World::~World() {
+    m_checkers.reset();
+    m_program.reset();
+    apply({.kind = StepKind::releaseOperations});
+    m_loop.runUntilIdle();
+}
+
+void World::restart() {
+    m_checkers.reset();
+    m_program.reset();
+    m_program = std::make_unique<Program>(m_desktop);
+    m_checkers = std::make_unique<Checkers>(m_desktop, *m_program);
+    m_loop.post([program = m_program.get(), this] {
+        if (m_program.get() == program)
+            program->didFinishLaunching();
+    });
+}
+
+void World::perform(const Step& step) {
+    apply(step);
+    check();
+    pause(step);
+}
+
+void World::apply(const Step& step) {
+    if (step.kind <= StepKind::changeDisplay)
+        applyToDisplays(step);
+    else if (step.kind <= StepKind::quitApplication)
+        applyToApplications(step);
+    else if (step.kind <= StepKind::retitleWindow)
+        applyToWindows(step);
+    else if (step.kind <= StepKind::chooseGrantOnRequest)
+        applyToSession(step);
+    else if (step.kind <= StepKind::freeDisk)
+        applyToServices(step);
+    else
+        applyByHand(step);
+}
+
+std::vector<SimulatedOperation*> World::operations() {
+    auto& capture = m_desktop.capture();
+    return {&capture.shareableContent,    &capture.startCapture,        &capture.stopCapture,
+            &capture.updateContentFilter, &capture.updateConfiguration, &capture.captureImage,
+            &capture.addScreenOutput};
+}
+
+void World::planOperation(const Step& step) {
+    auto& operation = *pick(operations(), step.a);
+    const PlatformError error("simulated trouble", 7, "as planned");
+    const bool answersAtOnce = &operation == &m_desktop.capture().addScreenOutput;
+    switch (step.b % 6) {
+    case 0:
+        operation.always(SimulatedOutcome::fails(error));
+        return;
+    case 1:
+        operation.always(SimulatedOutcome::succeeds());
+        return;
+    default:
+        break;
+    }
+    if (answersAtOnce)
+        return;
+    switch (step.b % 6) {
+    case 2:
+        operation.always(SimulatedOutcome::held());
+        return;
+    case 3:
+        operation.always(SimulatedOutcome::succeeds(Seconds(step.b % 300 / 1000.0)));
+        return;
+    case 4:
+        operation.always(SimulatedOutcome::fails(error, Seconds(step.b % 300 / 1000.0)));
+        return;
+    default:
+        operation.always(SimulatedOutcome::succeeds(Seconds(2.0)));
+        return;
+    }
+}
+
+void World::applyToServices(const Step& step) {
+    switch (step.kind) {
+    case StepKind::planOperation:
+        planOperation(step);
+        return;
+    case StepKind::releaseOperations:
+        for (auto* const operation : operations()) {
+            operation->always(SimulatedOutcome::succeeds());
+            if (operation->heldCount() > 0)
+                operation->release();
+        }
+        return;
+    case StepKind::endStreams:
+        m_desktop.capture().endAllStreams(PlatformError("simulated trouble", 8, "ended"));
+        return;
+    case StepKind::failDisplayLayer:
+        m_program->displayLayer().fail();
+        return;
+    case StepKind::makeWindowListUnreadable:
+        m_desktop.setWindowListReadable(false);
+        return;
+    case StepKind::makeWindowListReadable:
+        m_desktop.setWindowListReadable(true);
+        return;
+    case StepKind::fillDisk:
+        m_desktop.defaults().setWritable(false);
+        return;
+    default:
+        m_desktop.defaults().setWritable(true);
+        return;
+    }
+}
+
+void World::toggleSource(const Step& step) {
+    const auto& lists = m_program->controller.availableSources().get();
+    auto offered = lists.displays;
+    offered.insert(offered.end(), lists.windows.begin(), lists.windows.end());
+    if (offered.empty())
+        return;
+    const auto& chosen = pick(offered, step.a);
+    m_program->controller.toggleSource(chosen.source, chosen.windowOwner);
+}
+
+void World::applyByHand(const Step& step) {
+    constexpr std::array modes{FollowMode::mouse, FollowMode::focusedApp, FollowMode::manual};
+    auto& settings = m_program->settings;
+    auto* const window = m_program->window();
+    switch (step.kind) {
+    case StepKind::start:
+        m_program->controller.start();
+        return;
+    case StepKind::stop:
+        m_program->controller.stop();
+        return;
+    case StepKind::setFollowMode:
+        settings.followMode.set(pick(modes, step.a));
+        return;
+    case StepKind::toggleSource:
+        toggleSource(step);
+        return;
+    case StepKind::setManualSources: {
+        auto sources = settings.manualSources.get();
+        if (!sources.empty())
+            sources.resize(1 + step.a % sources.size(), sources.front());
+        settings.manualSources.set(std::move(sources));
+        return;
+    }
+    case StepKind::setFramesPerSecond:
+        settings.targetFPS.set(1 + step.a % 90);
+        return;
+    case StepKind::toggleHidden:
+        settings.hideOutputWindow.set(!settings.hideOutputWindow.get());
+        return;
+    case StepKind::toggleAlwaysOnTop:
+        settings.alwaysOnTop.set(!settings.alwaysOnTop.get());
+        return;
+    case StepKind::refresh:
+        m_program->controller.scheduleSourceRefresh();
+        return;
+    case StepKind::resizeOutput:
+        if (window)
+            window->resizeByHand({step.a % 500 * 1.0, 50, 500.0 + step.b % 900, 400});
+        return;
+    case StepKind::miniaturizeOutput:
+        if (window)
+            window->miniaturize();
+        return;
+    case StepKind::corruptSettingsAndRestart: {
+        m_checkers.reset();
+        m_program.reset();
+        constexpr std::array keys{"kestrove.followMode", "kestrove.targetFPS",
+                                  "kestrove.manualSources", "kestrove.manualWindowSelections",
+                                  "kestrove.autoStart"};
+        m_desktop.defaults().setValue(pick(keys, step.a), std::string("\xff{[corrupt"));
+        restart();
+        return;
+    }
+    default:
+        restart();
+        return;
+    }
+}
+
+void World::pause(const Step& step) {
+    switch (step.pause) {
+    case Pause::none:
+    case Pause::count:
+        return;
+    case Pause::fewOperations:
+        runOperations(1 + step.b % 6);
+        return;
+    case Pause::untilIdle:
+        runUntilIdle();
+        return;
+    case Pause::milliseconds:
+        run(Seconds(0.005 * (1 + step.b % 20)));
+        return;
+    case Pause::moment:
+        run(Seconds(0.3));
+        return;
+    case Pause::seconds:
+        run(Seconds(5.5));
+        return;
+    }
+}
+
+void World::runOperations(std::uint32_t count) {
+    for (std::uint32_t index = 0; index < count && m_loop.runOne(); ++index)
+        check();
+}
+
+void World::runUntilIdle() {
+    while (!m_failure && m_loop.runOne())
+        check();
+    note(m_checkers->whenIdle());
+}
+
+void World::run(Seconds duration) {
+    runUntilIdle();
+    const auto looks = std::lround(duration / lookEvery);
+    for (long look = 0; look < looks && !m_failure; ++look) {
+        m_loop.advance(lookEvery);
+        check();
+        note(m_checkers->whenIdle());
+    }
+}
+
+void World::check() {
+    note(m_checkers->always());
+}
+
+void World::note(std::optional<Failure> failure) {
+    if (!m_failure)
+        m_failure = std::move(failure);
+}
+
+void World::calmDown() {
+    apply({.kind = StepKind::freeDisk});
+    apply({.kind = StepKind::releaseOperations});
+    apply({.kind = StepKind::makeWindowListReadable});
+    m_desktop.setRecordingAllowed(true);
+    m_desktop.becomeSession();
+    m_desktop.wakeScreens();
+    if (m_desktop.displays().empty())
+        apply({.kind = StepKind::plugDisplay});
+    // Choices made on the full disk are stored with the next choice.
+    auto& settings = m_program->settings;
+    settings.followMode.set(settings.followMode.get());
+    settings.targetFPS.set(settings.targetFPS.get());
+    settings.alwaysOnTop.set(settings.alwaysOnTop.get());
+    settings.hideOutputWindow.set(settings.hideOutputWindow.get());
+    settings.manualSources.set(settings.manualSources.get());
+    run(Seconds(12));
+    note(m_checkers->whenSettled());
+
+    // The user goes on.
+    m_program->controller.start();
+    run(Seconds(6));
+    m_desktop.movePointer(somePointOnADisplay({.a = 0, .b = 77}));
+    run(Seconds(1));
+    m_desktop.movePointer(somePointOnADisplay({.a = 1, .b = 99}));
+    run(Seconds(1));
+    note(m_checkers->whileSharing());
+    m_program->controller.stop();
+    run(Seconds(1));
+    note(m_checkers->afterStop());
+}
+
+} // namespace kestrove::simulation
