@@ -5,6 +5,8 @@
 #include "Tests/Support/Processes/Waiting.h"
 #include "Tests/Support/XServer/Reply.h"
 
+#include <QGuiApplication>
+
 #include <algorithm>
 #include <csignal>
 #include <fmt/format.h>
@@ -33,9 +35,18 @@ SourcesFixture::SourcesFixture()
     defaults.setBoolean("kestrove.alwaysOnTop", true);
     app = std::make_unique<KestroveApp>(KestroveGround{loop, log, defaults, *x11Desktop});
     app->delegate().applicationDidFinishLaunching();
+    // Until then it cannot know that nobody has locked the screen.
+    EXPECT_TRUE(
+        loop.runUntil([] { return QGuiApplication::applicationState() == Qt::ApplicationActive; }));
 }
 
 SourcesFixture::~SourcesFixture() {
+    if (HasFailure()) {
+        for (const auto& line : log.lines)
+            fmt::print(stderr, "log: {} {}\n", line.category, line.text);
+        fmt::print(stderr, "at the end: state {}, virtual time {} s\n",
+                   static_cast<int>(controller().sessionState().get().kind()), loop.now().count());
+    }
     controller().stop();
     EXPECT_TRUE(loop.runUntil([this] { return !app->delegate().isSharing(); }));
     app.reset();
