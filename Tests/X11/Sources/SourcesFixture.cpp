@@ -16,6 +16,14 @@ namespace kestrove::test {
 
 XDesktop* SourcesFixture::s_desktop = nullptr;
 
+namespace {
+
+bool isInFront() {
+    return QGuiApplication::applicationState() == Qt::ApplicationActive;
+}
+
+} // namespace
+
 SourcesFixture::SourcesFixture()
     : events([](std::string label) { return std::make_shared<ThreadSerialQueue>(label); })
     , leftFloor(desktop().displayName(), floorOptions(leftPlace, leftColor))
@@ -36,8 +44,7 @@ SourcesFixture::SourcesFixture()
     app = std::make_unique<KestroveApp>(KestroveGround{loop, log, defaults, *x11Desktop});
     app->delegate().applicationDidFinishLaunching();
     // Until then it cannot know that nobody has locked the screen.
-    EXPECT_TRUE(
-        loop.runUntil([] { return QGuiApplication::applicationState() == Qt::ApplicationActive; }));
+    EXPECT_TRUE(loop.runUntil(isInFront));
 }
 
 SourcesFixture::~SourcesFixture() {
@@ -49,6 +56,9 @@ SourcesFixture::~SourcesFixture() {
     }
     controller().stop();
     EXPECT_TRUE(loop.runUntil([this] { return !app->delegate().isSharing(); }));
+    // Qt takes itself to be in front for good when its window goes while it is.
+    const auto nobody = startProgram("nobody", {10, 10, 50, 50}, 0xff000000);
+    EXPECT_TRUE(loop.runUntil([] { return !isInFront(); }));
     app.reset();
     server().setMonitor({"RIGHT", rightPlace});
 }
