@@ -5,6 +5,8 @@
 #include <QAccessible>
 #include <QAccessibleValueChangeEvent>
 #include <QLineEdit>
+#include <QStyle>
+#include <QStyleOptionSpinBox>
 
 #include <algorithm>
 #include <limits>
@@ -14,8 +16,6 @@ namespace kestrove {
 FrameRateStepper::FrameRateStepper(QWidget* parent)
     : QAbstractSpinBox(parent) {
     lineEdit()->setReadOnly(true);
-    // The arrow keys step; the text is no place to be in.
-    lineEdit()->setFocusPolicy(Qt::NoFocus);
 }
 
 void FrameRateStepper::setValue(std::int64_t value) {
@@ -29,6 +29,14 @@ void FrameRateStepper::setValue(std::int64_t value) {
 void FrameRateStepper::stepBy(int steps) {
     if (onStep)
         onStep(FrameRateSteps::stepped(m_value, steps));
+}
+
+QSize FrameRateStepper::sizeHint() const {
+    const auto text = fontMetrics().horizontalAdvance(QStringLiteral("00000"));
+    const auto lineHeight = lineEdit()->sizeHint().height();
+    QStyleOptionSpinBox option;
+    initStyleOption(&option);
+    return style()->sizeFromContents(QStyle::CT_SpinBox, &option, {text, lineHeight}, this);
 }
 
 QAbstractSpinBox::StepEnabled FrameRateStepper::stepEnabled() const {

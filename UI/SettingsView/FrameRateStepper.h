@@ -24,6 +24,9 @@ public:
     std::function<void(std::int64_t)> onStep;
 
     void stepBy(int steps) override;
+    /// Wide enough for any rate that makes sense.
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
     [[nodiscard]] StepEnabled stepEnabled() const override;

@@ -38,12 +38,15 @@ public:
         layout->addWidget(scroll);
         connect(new QShortcut(QKeySequence::Close, this), &QShortcut::activated, this,
                 &QWidget::close);
-        connect(qApp, &QApplication::focusChanged, this, [this](QWidget* old, QWidget* /*now*/) {
-            if (old != nullptr && isAncestorOf(old))
-                m_lastFocused = old;
-        });
+        m_focusChanges = connect(qApp, &QApplication::focusChanged, this,
+                                 [this](QWidget* old, QWidget* /*now*/) {
+                                     if (old != nullptr && isAncestorOf(old))
+                                         m_lastFocused = old;
+                                 });
         fit(*view);
     }
+    // The focus changes once more when the children go, and nobody is here any more then.
+    ~Frame() override { disconnect(m_focusChanges); }
 
 protected:
     bool focusNextPrevChild(bool next) override {
@@ -65,6 +68,7 @@ private:
     }
 
     QPointer<QWidget> m_lastFocused;
+    QMetaObject::Connection m_focusChanges;
 };
 
 } // namespace

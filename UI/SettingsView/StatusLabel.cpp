@@ -78,7 +78,7 @@ StatusLabel::StatusLabel(QWidget* parent)
     auto* const layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(spacing);
-    layout->addWidget(&m_symbol, 0, Qt::AlignTop);
+    layout->addWidget(&m_symbol, 0, Qt::AlignVCenter);
     layout->addWidget(&m_text, 1);
     m_text.setWordWrap(true);
 }

@@ -26,7 +26,9 @@ inline constexpr xcb_keycode_t f = 41;
 inline constexpr xcb_keycode_t h = 43;
 inline constexpr xcb_keycode_t p = 33;
 inline constexpr xcb_keycode_t w = 25;
+inline constexpr xcb_keycode_t f4 = 70;
 inline constexpr xcb_keycode_t f5 = 71;
+inline constexpr xcb_keycode_t up = 111;
 } // namespace ServerKey
 
 /// A device sends them (XTEST), and the server has worked through it when these return.

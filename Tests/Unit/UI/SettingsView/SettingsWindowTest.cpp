@@ -76,10 +76,11 @@ protected:
         EXPECT_EQ(found.size(), 4U);
         return *found.at(number);
     }
-    static void press(QWidget& target, std::uint32_t keyCode, Qt::KeyboardModifiers modifiers) {
-        QKeyEvent down(QEvent::KeyPress, 0, modifiers, keyCode, 0, 0);
+    static void press(QWidget& target, std::uint32_t keyCode, Qt::KeyboardModifiers modifiers,
+                      int qtKey = 0) {
+        QKeyEvent down(QEvent::KeyPress, qtKey, modifiers, keyCode, 0, 0);
         QApplication::sendEvent(&target, &down);
-        QKeyEvent up(QEvent::KeyRelease, 0, modifiers, keyCode, 0, 0);
+        QKeyEvent up(QEvent::KeyRelease, qtKey, modifiers, keyCode, 0, 0);
         QApplication::sendEvent(&target, &up);
     }
     void record(std::size_t row, std::uint32_t keyCode, Qt::KeyboardModifiers modifiers) {
@@ -217,6 +218,41 @@ TEST_F(SettingsWindowTest, GoesBackToTheDefaults) {
     settle();
     EXPECT_EQ(settings->shortcutBindings.get(), defaultShortcutBindings());
     EXPECT_EQ(recorder(0).logic().appearance().text, "⌃⌘S");
+}
+
+TEST_F(SettingsWindowTest, TabGoesThroughEverythingInItsOrder) {
+    open();
+    const auto nameOf = [](QWidget* focused) {
+        return focused == nullptr ? std::string("nothing")
+                                  : QAccessible::queryAccessibleInterface(focused)
+                                        ->text(QAccessible::Name)
+                                        .toStdString();
+    };
+    const auto tab = [this] {
+        auto* const focused = QApplication::focusWidget();
+        press(focused == nullptr ? widget() : *focused, 48, Qt::NoModifier, Qt::Key_Tab);
+        return QApplication::focusWidget();
+    };
+    const std::vector<std::string> order{"マウス位置（自動追従）",
+                                         "フレームレート: 30 fps",
+                                         "出力ウィンドウを常に最前面に表示",
+                                         "出力ウィンドウを自分のデスクトップから隠す",
+                                         "アプリ起動時に自動で開始",
+                                         "画面共有 開始 / 停止のショートカット",
+                                         "プレビューから選ぶのショートカット",
+                                         "出力ウィンドウを表示のショートカット",
+                                         "出力ウィンドウの非表示モードをトグルのショートカット",
+                                         "デフォルトに戻す"};
+    settle();
+    button("デフォルトに戻す").setFocus();
+    std::vector<std::string> found;
+    for (std::size_t step = 0; step < order.size(); ++step)
+        found.push_back(nameOf(tab()));
+    EXPECT_EQ(found, order);
+    // Recording takes the focus away; Tab comes back to where it was.
+    record(1, 2, Qt::ControlModifier);
+    EXPECT_EQ(nameOf(QApplication::focusWidget()), "nothing");
+    EXPECT_EQ(nameOf(tab()), "プレビューから選ぶのショートカット");
 }
 
 TEST_F(SettingsWindowTest, RecordersIgnoreModifiersAloneAndKeepTheirKeyWhileItIsHeld) {

@@ -1,0 +1,188 @@
+#include "Tests/Support/Processes/FileContent.h"
+#include "Tests/Support/Processes/Waiting.h"
+#include "Tests/Support/TestWindow/TestWindow.h"
+#include "Tests/Support/XServer/KeyPresses.h"
+#include "Tests/Support/XServer/Reply.h"
+#include "Tests/X11/Application/ApplicationFixture.h"
+
+#include <optional>
+#include <string>
+
+namespace kestrove::test {
+namespace {
+
+namespace Keys = ServerKey;
+constexpr std::uint16_t controlSuper = XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_4;
+
+/// The right display is shared; a window of another program has the focus.
+class Shortcuts : public ApplicationFixture {
+protected:
+    void startUnfocused(const std::string& settings = {}) {
+        start(onlyDisplay("RIGHT") + settings);
+        ASSERT_TRUE(showsPlaceholder("idle"));
+        focusOther();
+    }
+    void focusOther() {
+        other.emplace(desktop.displayName(),
+                      TestWindow::Options{.geometry = {4, 476, 30, 30}, .title = "other"});
+        EXPECT_TRUE(waitUntil([this] { return focused() == other->id(); }));
+    }
+    [[nodiscard]] xcb_window_t focused() const {
+        const Reply reply(xcb_get_input_focus_reply(
+            desktop.connection(), xcb_get_input_focus(desktop.connection()), nullptr));
+        return reply ? reply->focus : XCB_WINDOW_NONE;
+    }
+    void press(const std::vector<xcb_keycode_t>& keys) {
+        pressTogether(desktop.connection(), keys);
+    }
+    void pressControlSuper(xcb_keycode_t key) { press({Keys::control, Keys::super, key}); }
+    [[nodiscard]] bool stores(std::string_view text) {
+        return waitUntil([&] { return contentOf(settingsFile()).find(text) != std::string::npos; });
+    }
+    [[nodiscard]] bool take(xcb_keycode_t key) {
+        return !Reply(xcb_request_check(
+            desktop.connection(),
+            xcb_grab_key_checked(desktop.connection(), 0, desktop.root(), controlSuper, key,
+                                 XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC)));
+    }
+    /// Opens the settings by the menu and moves on to the recorder of the first shortcut.
+    void goToTheFirstRecorder() {
+        other.reset();
+        openMenuByKey();
+        for (int count = 0; count < 3; ++count)
+            press({Keys::up});
+        press({Keys::returnKey});
+        ASSERT_TRUE(waitUntil([this] { return focused() != window() && !isMenuOpen(); }));
+        const auto settingsWindow = focused();
+        ASSERT_TRUE(waitUntil([&] { return focused() == settingsWindow; }));
+        // The mode has the focus; the frame rate and three switches come first.
+        for (int count = 0; count < 5; ++count)
+            press({Keys::tab});
+    }
+
+    /// Whether nobody has the whole keyboard, as a recorder has until its key is let go.
+    [[nodiscard]] bool isKeyboardFree() const {
+        auto* const server = desktop.connection();
+        const Reply reply(
+            xcb_grab_keyboard_reply(server,
+                                    xcb_grab_keyboard(server, 0, desktop.root(), XCB_CURRENT_TIME,
+                                                      XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
+                                    nullptr));
+        const bool isFree = reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
+        if (isFree)
+            xcb_ungrab_keyboard(server, XCB_CURRENT_TIME);
+        sync(server);
+        return isFree;
+    }
+    /// In the recorder that has the focus; `begin` is the key that starts it.
+    void record(xcb_keycode_t begin, const std::vector<xcb_keycode_t>& keys) {
+        press({begin});
+        ASSERT_TRUE(waitUntil([this] { return !isKeyboardFree(); })) << "it does not record";
+        press(keys);
+        ASSERT_TRUE(waitUntil([this] { return isKeyboardFree(); })) << "it goes on recording";
+    }
+
+    std::optional<TestWindow> other;
+};
+
+TEST_F(Shortcuts, StartAndStopWhileAnotherProgramHasTheFocus) {
+    startUnfocused();
+    pressControlSuper(Keys::s);
+    EXPECT_TRUE(shows(right, "started"));
+    focusOther();
+    pressControlSuper(Keys::s);
+    EXPECT_TRUE(showsPlaceholder("stopped"));
+    focusOther();
+    press({Keys::capsLock});
+    press({Keys::numLock});
+    pressControlSuper(Keys::s);
+    EXPECT_TRUE(shows(right, "started with locks"));
+}
+
+TEST_F(Shortcuts, HideTheWindowAndShowIt) {
+    startUnfocused();
+    pressControlSuper(Keys::h);
+    EXPECT_TRUE(stores("kestrove.hideOutputWindow=true"));
+    pressControlSuper(Keys::h);
+    EXPECT_TRUE(stores("kestrove.hideOutputWindow=false"));
+    pressControlSuper(Keys::h);
+    EXPECT_TRUE(stores("kestrove.hideOutputWindow=true"));
+    focusOther();
+    pressControlSuper(Keys::w);
+    EXPECT_TRUE(stores("kestrove.hideOutputWindow=false"));
+    EXPECT_TRUE(waitUntil([this] { return focused() == window(); }));
+}
+
+TEST_F(Shortcuts, AreTheSavedOnes) {
+    startUnfocused(R"(kestrove.shortcutBindings={"startStop":{"keyCode":96,"modifiers":0,)"
+                   "\"characters\":\"\"}}\n");
+    press({Keys::f5});
+    EXPECT_TRUE(shows(right, "started"));
+    EXPECT_TRUE(take(Keys::s)) << "the default is free";
+}
+
+TEST_F(Shortcuts, AreTheDefaultsWhenTheSavedOnesAreTaken) {
+    ASSERT_TRUE(take(Keys::d));
+    startUnfocused(R"(kestrove.shortcutBindings={"startStop":{"keyCode":2,"modifiers":4352,)"
+                   "\"characters\":\"d\"}}\n");
+    EXPECT_TRUE(stores(R"("startStop":{"keyCode":1,"modifiers":4352,"characters":"S"})"));
+    pressControlSuper(Keys::s);
+    EXPECT_TRUE(shows(right, "started"));
+}
+
+TEST_F(Shortcuts, AreTheDefaultsWhenTheSavedOnesAreDuplicates) {
+    startUnfocused(R"(kestrove.shortcutBindings={"startStop":{"keyCode":4,"modifiers":4352,)"
+                   "\"characters\":\"h\"}}\n");
+    EXPECT_TRUE(stores(R"("startStop":{"keyCode":1,"modifiers":4352,"characters":"S"})"));
+    pressControlSuper(Keys::s);
+    EXPECT_TRUE(shows(right, "started"));
+}
+
+TEST_F(Shortcuts, AreRecordedByKeyboardAlone) {
+    startUnfocused();
+    goToTheFirstRecorder();
+    record(Keys::returnKey, {Keys::control, Keys::super, Keys::d});
+    EXPECT_TRUE(stores(R"("startStop":{"keyCode":2,"modifiers":4352,"characters":"d"})"));
+    focusOther();
+    pressControlSuper(Keys::s);
+    EXPECT_TRUE(showsPlaceholder("not by the old key"));
+    pressControlSuper(Keys::d);
+    EXPECT_TRUE(shows(right, "started by the new key"));
+}
+
+TEST_F(Shortcuts, OfTheWindowManagerAreRecordedAndRefused) {
+    startUnfocused();
+    goToTheFirstRecorder();
+    const auto settingsWindow = focused();
+    record(Keys::returnKey, {Keys::alt, Keys::f4});
+    EXPECT_TRUE(waitUntil([this] {
+        return program().logTail().find("startStop (⌥F4), status=-9878") != std::string::npos;
+    }));
+    EXPECT_EQ(focused(), settingsWindow) << "it was not closed";
+}
+
+TEST_F(Shortcuts, CanBeRecordedOnTheirOwnKeys) {
+    startUnfocused();
+    goToTheFirstRecorder();
+    record(Keys::space, {Keys::control, Keys::super, Keys::s});
+    EXPECT_TRUE(stores(R"("startStop":{"keyCode":1,"modifiers":4352,"characters":"s"})"));
+    EXPECT_TRUE(showsPlaceholder("recorded, not started"));
+    focusOther();
+    pressControlSuper(Keys::s);
+    EXPECT_TRUE(shows(right, "started"));
+}
+
+TEST_F(Shortcuts, KeepTheOldKeyWhenAnotherProgramHasTheNewOne) {
+    startUnfocused();
+    ASSERT_TRUE(take(Keys::d));
+    goToTheFirstRecorder();
+    record(Keys::returnKey, {Keys::control, Keys::super, Keys::d});
+    // It was tried and given up: the old key is ours again.
+    focusOther();
+    pressControlSuper(Keys::s);
+    EXPECT_TRUE(shows(right, "started by the old key"));
+    EXPECT_EQ(contentOf(settingsFile()).find("shortcutBindings"), std::string::npos);
+}
+
+} // namespace
+} // namespace kestrove::test
