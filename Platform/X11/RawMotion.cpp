@@ -33,13 +33,24 @@ void RawMotion::select() {
         std::uint32_t mask;
     } selection{{XCB_INPUT_DEVICE_ALL_MASTER, 1},
                 m_listeners > 0 ? std::uint32_t{XCB_INPUT_XI_EVENT_MASK_RAW_MOTION} : 0U};
+    if (m_listeners == 0)
+        m_crossings.reset();
+    else if (!m_crossings)
+        m_crossings.emplace(m_connection,
+                            XCB_EVENT_MASK_ENTER_WINDOW | XCB_EVENT_MASK_LEAVE_WINDOW);
     // Waited for: whoever listens is told of every move from now on.
     (void)m_connection.succeeded(xcb_input_xi_select_events_checked(
         m_connection.get(), m_connection.root(), 1, &selection.head));
 }
 
 void RawMotion::onEvent(const xcb_generic_event_t& event) {
-    if ((event.response_type & 0x7FU) != XCB_GE_GENERIC)
+    const auto type = event.response_type & 0x7FU;
+    if (type == XCB_ENTER_NOTIFY || type == XCB_LEAVE_NOTIFY) {
+        const auto& crossing = reinterpret_cast<const xcb_enter_notify_event_t&>(event);
+        if (m_crossings && m_crossings->contains(crossing.event))
+            m_hasMoved = true;
+    }
+    if (type != XCB_GE_GENERIC)
         return;
     const auto& generic = reinterpret_cast<const xcb_ge_generic_event_t&>(event);
     if (generic.extension == m_connection.extensions().inputOpcode &&

@@ -6,6 +6,21 @@
 #include <utility>
 
 namespace kestrove::x11 {
+namespace {
+
+/// Grabs take the focus away for a moment and give it back: that is no change.
+bool isFocusIn(const xcb_generic_event_t& event) {
+    if ((event.response_type & 0x7F) != XCB_FOCUS_IN)
+        return false;
+    const auto mode = reinterpret_cast<const xcb_focus_in_event_t&>(event).mode;
+    return mode == XCB_NOTIFY_MODE_NORMAL || mode == XCB_NOTIFY_MODE_WHILE_GRABBED;
+}
+
+bool isMap(const xcb_generic_event_t& event) {
+    return (event.response_type & 0x7F) == XCB_MAP_NOTIFY;
+}
+
+} // namespace
 
 Workspace::Workspace(Connection& connection, DescriptorWatching& watching,
                      Applications& applications)
@@ -13,11 +28,13 @@ Workspace::Workspace(Connection& connection, DescriptorWatching& watching,
     , m_watching(watching)
     , m_applications(applications)
     , m_root(connection, XCB_EVENT_MASK_PROPERTY_CHANGE)
+    , m_focus(connection, XCB_EVENT_MASK_FOCUS_CHANGE)
     , m_tasks(connection.loop()) {
     m_events =
         connection.events.subscribe([this](const xcb_generic_event_t& event) { handle(event); });
     m_opened = connection.opened.subscribe([this] { lookSoon(); });
     m_frontmost = readFrontmost();
+    m_isNobodyInFront = !m_frontmost;
 }
 
 std::optional<RunningApplication> Workspace::frontmostApplication() {
@@ -76,7 +93,8 @@ Subscription Workspace::onScreensWoke(Callback callback) {
 
 void Workspace::handle(const xcb_generic_event_t& event) {
     if (m_root.isChangeOf(event, "_NET_ACTIVE_WINDOW") ||
-        m_root.isChangeOf(event, "_NET_CLIENT_LIST"))
+        m_root.isChangeOf(event, "_NET_CLIENT_LIST") || isFocusIn(event) ||
+        (m_isNobodyInFront && isMap(event)))
         lookSoon();
 }
 
@@ -92,6 +110,8 @@ void Workspace::lookSoon() {
 
 void Workspace::look() {
     const auto frontmost = readFrontmost();
+    // A window manager may name the active window before it can be seen.
+    m_isNobodyInFront = !frontmost;
     if (!frontmost || frontmost == m_frontmost)
         return;
     m_frontmost = frontmost;

@@ -2,6 +2,7 @@
 
 #include "Async/TaskScope.h"
 #include "Desktop/Workspace.h"
+#include "Platform/X11/TopLevelSelection.h"
 #include "Platform/X11/Workspace/ApplicationEnds.h"
 
 #include <memory>
@@ -10,8 +11,7 @@
 namespace kestrove::x11 {
 
 /// Applications are processes that own windows. The one in front owns the window with the focus, as
-/// the window manager says; without a window manager the answer is right when asked for, but nobody
-/// tells that it has changed.
+/// the window manager says, or without one the keyboard's focus.
 ///
 /// The lock of the session and the sleep of the screens are not X's to tell: those four
 /// subscriptions are accepted here and never called.
@@ -42,11 +42,15 @@ private:
     DescriptorWatching& m_watching;
     Applications& m_applications;
     RootSelection m_root;
+    /// Without a window manager only the windows themselves are told of the focus.
+    TopLevelSelection m_focus;
     /// The application that everybody takes for the frontmost one. Between two windows of one
     /// application no window may be active for a moment: that is no change unless somebody has
     /// asked and been told of it.
     std::optional<RunningApplication> m_frontmost;
     bool m_isLookQueued = false;
+    /// Whether the last look found nobody in front.
+    bool m_isNobodyInFront = false;
     std::unique_ptr<ApplicationEnds> m_ends;
     Signal<RunningApplication> m_activated;
     Signal<> m_sessionResigned;

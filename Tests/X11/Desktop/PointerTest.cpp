@@ -90,6 +90,28 @@ TEST_F(PointerTest, IsToldAlsoWhileAnotherProgramHasGrabbedIt) {
     EXPECT_TRUE(loop.spinUntil([&] { return global == 1; }));
 }
 
+TEST_F(PointerTest, IsToldWhenAProgramPutsItOntoAnotherWindowOrBesideIt) {
+    const auto left =
+        makeWindow({.geometry = {100, 100, 200, 150}, .processIdentifier = anotherProcess()});
+    settle();
+    // Comes after we began to listen.
+    const auto right =
+        makeWindow({.geometry = {1400, 100, 200, 150}, .processIdentifier = anotherProcess()});
+    settle();
+    const auto warp = [&](std::int16_t x, std::int16_t y) {
+        xcb_warp_pointer(desktop.connection(), XCB_WINDOW_NONE, desktop.root(), 0, 0, 0, 0, x, y);
+        xcb_flush(desktop.connection());
+    };
+    warp(150, 150);
+    EXPECT_TRUE(loop.spinUntil([&] { return global == 1; }));
+    warp(1450, 150);
+    EXPECT_TRUE(loop.spinUntil([&] { return global == 2; }));
+    warp(900, 700);
+    EXPECT_TRUE(loop.spinUntil([&] { return global == 3; }));
+    EXPECT_EQ(pointer.location(), (Point{900, 99}));
+    EXPECT_EQ(local, 0);
+}
+
 TEST_F(PointerTest, IsNotWatchedOnceNobodyListens) {
     settle();
     globalMonitor.cancel();

@@ -80,6 +80,38 @@ TEST_F(WorkspaceTest, FindsTheFrontmostApplicationWithoutAWindowManager) {
     EXPECT_EQ(workspace.frontmostApplication()->bundleIdentifier, "Viewer");
 }
 
+TEST_F(WorkspaceTest, TellsWhoComesToTheFrontWithoutAWindowManager) {
+    const auto first = startProgram();
+    const auto second = startProgram();
+    const auto before = windowOf(*first, "First");
+    settle();
+    std::vector<RunningApplication> activated;
+    const auto subscription =
+        workspace.onApplicationActivated([&](const auto& each) { activated.push_back(each); });
+    // Windows that were there, and windows that come later; the focus may be inside of them.
+    const auto later = windowOf(*second, "Second");
+    auto* const server = later->connection();
+    const auto inner = xcb_generate_id(server);
+    xcb_create_window(server, XCB_COPY_FROM_PARENT, inner, later->id(), 5, 5, 20, 20, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+    xcb_map_window(server, inner);
+    const auto focus = [&](xcb_window_t window) {
+        xcb_set_input_focus(server, XCB_INPUT_FOCUS_PARENT, window, XCB_CURRENT_TIME);
+        xcb_flush(server);
+    };
+    focus(before->id());
+    EXPECT_TRUE(loop.spinUntil([&] { return activated.size() == 1; }));
+    focus(inner);
+    EXPECT_TRUE(loop.spinUntil([&] { return activated.size() == 2; }));
+    focus(later->id());
+    settle();
+    focus(before->id());
+    EXPECT_TRUE(loop.spinUntil([&] { return activated.size() == 3; }));
+    EXPECT_EQ(activated, (std::vector<RunningApplication>{{first->processIdentifier(), "First"},
+                                                          {second->processIdentifier(), "Second"},
+                                                          {first->processIdentifier(), "First"}}));
+}
+
 TEST_F(WorkspaceTest, TellsOfEachApplicationThatEndsOnce) {
     std::vector<RunningApplication> ended;
     const auto before = startProgram();
