@@ -1,15 +1,18 @@
 #include "App/AppDelegate.h"
 
+#include <utility>
+
 namespace kestrove {
 
 AppDelegate::AppDelegate(Application& application, AppSettings& settings, AppController& controller,
                          OutputWindowControlling& outputWindow,
-                         OutputContentControlling& outputContent)
+                         OutputContentControlling& outputContent, std::function<bool()> hasTray)
     : m_application(application)
     , m_settings(settings)
     , m_controller(controller)
     , m_outputWindow(outputWindow)
-    , m_outputContent(outputContent) {
+    , m_outputContent(outputContent)
+    , m_hasTray(std::move(hasTray)) {
     // Back from the system's settings, perhaps: an idle session shows what has become of the
     // permission.
     m_becameActive =
@@ -24,14 +27,17 @@ AppDelegate::AppDelegate(Application& application, AppSettings& settings, AppCon
 void AppDelegate::applicationDidFinishLaunching() {
     m_application.setActivationPolicy(ActivationPolicy::regular);
     m_application.activateIgnoringOtherApps();
-    // The output window is also the only way in while there is no menu.
-    m_outputWindow.show();
+    // Where there is no tray, the output window is the only way in. Elsewhere it comes with the
+    // session.
+    if (!m_hasTray())
+        m_outputWindow.show();
     if (m_settings.autoStart.get() && !isSharing())
         m_controller.start();
 }
 
 void AppDelegate::outputWindowClosed() {
-    terminate();
+    if (!m_hasTray())
+        terminate();
 }
 
 void AppDelegate::terminate() {

@@ -6,6 +6,8 @@
 #include "Core/Settings/AppSettings.h"
 #include "Desktop/Application.h"
 
+#include <functional>
+
 namespace kestrove {
 
 /// What the application does at the turns of its life. Everything that it is given outlives it.
@@ -13,15 +15,18 @@ namespace kestrove {
 /// Thread: main.
 class AppDelegate {
 public:
+    /// `hasTray` says whether there is a tray now, with our icon in it.
     AppDelegate(Application& application, AppSettings& settings, AppController& controller,
-                OutputWindowControlling& outputWindow, OutputContentControlling& outputContent);
+                OutputWindowControlling& outputWindow, OutputContentControlling& outputContent,
+                std::function<bool()> hasTray);
 
     /// The main loop runs from now on: shows the application and, when the user wants that, starts
     /// to share.
     void applicationDidFinishLaunching();
 
-    /// Ends the application. As long as it has no place in the tray, closing its one window would
-    /// leave a program behind that nobody sees and that goes on capturing, so it ends with it.
+    /// With a place in the tray the application stays, and what the window shows is only out of
+    /// sight. Without one, that would leave a program behind that nobody sees and that goes on
+    /// capturing, so it ends with its window.
     void outputWindowClosed();
 
     /// Ends the application as the user, or the system, wishes.
@@ -36,6 +41,7 @@ private:
     AppController& m_controller;
     OutputWindowControlling& m_outputWindow;
     OutputContentControlling& m_outputContent;
+    std::function<bool()> m_hasTray;
     Subscription m_becameActive;
     Subscription m_sessionState;
 };

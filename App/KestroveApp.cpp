@@ -77,13 +77,15 @@ KestroveApp::KestroveApp(KestroveGround ground)
                      windowPlatform(ground))
     , m_globalShortcuts(hotKeyRegistrar(ground), ground.log, bundleIdentifier)
     , m_controller(collaborators(ground))
-    , m_appDelegate(m_application, m_settings, m_controller, m_outputWindow, m_outputContainer)
+    , m_appDelegate(m_application, m_settings, m_controller, m_outputWindow, m_outputContainer,
+                    TrayIcon::hasTray)
     , m_settingsWindow(settingsCollaborators(ground),
                        [activate = ground.desktop.windowRequests().activate](QWidget& window) {
                            activate(window.winId());
                        })
     , m_menuBarView(menuCollaborators(ground))
-    , m_menu(m_menuBarView) {}
+    , m_menu(m_menuBarView)
+    , m_trayIcon(m_menu.menu()) {}
 
 OutputWindowPlatform KestroveApp::windowPlatform(KestroveGround ground) {
     auto makeWindow = [this, ground](const Rect& contentRect, WindowStyle style) {
@@ -99,6 +101,7 @@ OutputWindowCommands KestroveApp::windowCommands() {
     OutputWindowCommands commands;
     commands.isSharing = [this] { return m_appDelegate.isSharing(); };
     commands.start = [this] { m_controller.start(); };
+    commands.quit = [this] { m_appDelegate.terminate(); };
     commands.menu = [this]() -> QMenu& { return m_menu.menu(); };
     commands.windowClosed = [this] { m_appDelegate.outputWindowClosed(); };
     return commands;

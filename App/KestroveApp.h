@@ -15,6 +15,7 @@
 #include "UI/Composer/OutputContainerWidget.h"
 #include "UI/MenuBarView/MenuBarView.h"
 #include "UI/MenuBarView/NativeMenu.h"
+#include "UI/MenuBarView/TrayIcon.h"
 #include "UI/OutputWindow/OutputWindowCommands.h"
 #include "UI/OutputWindow/OutputWindowController.h"
 #include "UI/SettingsView/SettingsWindow.h"
@@ -82,6 +83,7 @@ private:
     SettingsWindow m_settingsWindow;
     MenuBarView m_menuBarView;
     NativeMenu m_menu;
+    TrayIcon m_trayIcon;
 };
 
 } // namespace kestrove

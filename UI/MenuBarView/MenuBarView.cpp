@@ -11,6 +11,7 @@ MenuBarView::MenuBarView(MenuBarViewCollaborators collaborators)
     observe(settings.followMode);
     observe(settings.manualSources);
     observe(settings.hideOutputWindow);
+    observe(settings.shortcutBindings);
     const auto& controller = m_with.controller;
     observe(controller.sessionState());
     observe(controller.availableSources());

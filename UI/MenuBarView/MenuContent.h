@@ -36,6 +36,8 @@ struct MenuButton {
     std::optional<std::string> symbol = std::nullopt;
     /// Shown while the pointer rests on it, and read to those who cannot see it.
     std::optional<std::string> help = std::nullopt;
+    /// Keys that do the same in our own windows, as Qt writes them; Meta is Command.
+    std::optional<std::string> keyEquivalent = std::nullopt;
     /// An entry that would do nothing now says so.
     bool isEnabled = true;
 

@@ -1,5 +1,6 @@
 #include "UI/MenuBarView/NativeMenu.h"
 
+#include "UI/Icons/SymbolIcon.h"
 #include "UI/MenuBarView/MenuBarView.h"
 
 #include <QFontMetrics>
@@ -83,6 +84,11 @@ NativeMenu::Shown& NativeMenu::shown(const NativeMenuEntry& entry) {
 void NativeMenu::apply(QAction& action, const NativeMenuEntry& entry) const {
     action.setText(menuText(entry, m_menu.fontMetrics()));
     action.setToolTip(QString::fromStdString(entry.help.empty() ? entry.text : entry.help));
+    action.setIcon(symbolIcon(entry.symbol));
+    action.setShortcut(QKeySequence(QString::fromStdString(entry.keyEquivalent)));
+    // Shown beside the text; our windows take the keys themselves.
+    action.setShortcutContext(Qt::WidgetShortcut);
+    action.setShortcutVisibleInContextMenu(true);
     action.setEnabled(entry.isEnabled && entry.kind != Kind::text);
     action.setChecked(entry.isChecked);
 }

@@ -22,8 +22,11 @@ public:
         m_entries.push_back({.key = std::move(key), .kind = Kind::separator});
     }
 
-    void text(std::string key, std::string text) {
-        m_entries.push_back({.key = std::move(key), .kind = Kind::text, .text = std::move(text)});
+    void text(std::string key, std::string text, std::string symbol = {}) {
+        m_entries.push_back({.key = std::move(key),
+                             .kind = Kind::text,
+                             .text = std::move(text),
+                             .symbol = std::move(symbol)});
     }
 
     void button(std::string key, const MenuButton& button) {
@@ -81,7 +84,7 @@ std::vector<NativeMenuEntry> nativeMenuEntries(const MenuContent& content, MenuB
     entries.text("status", content.header.statusMessage);
     if (const auto& recovery = content.recovery) {
         entries.separator("recovery separator");
-        entries.text("guidance", recovery->guidance);
+        entries.text("guidance", recovery->guidance, recovery->symbol);
         entries.button("retry", recovery->retry);
         entries.button("preferences", recovery->openPreferences);
     }

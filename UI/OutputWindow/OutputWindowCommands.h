@@ -12,6 +12,7 @@ struct OutputWindowCommands {
     /// Whether sharing is on or on its way to or from it: there is something to stop.
     std::function<bool()> isSharing;
     std::function<void()> start;
+    std::function<void()> quit;
     /// The context menu; it outlives the window.
     std::function<QMenu&()> menu;
     /// The user has closed the window.

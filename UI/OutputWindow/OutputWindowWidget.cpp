@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QKeyEvent>
 #include <QMenu>
+#include <QMouseEvent>
 #include <QWindow>
 
 #include <utility>
@@ -85,11 +86,26 @@ void OutputWindowWidget::contextMenuEvent(QContextMenuEvent* event) {
     m_commands.menu().popup(event->globalPos());
 }
 
+void OutputWindowWidget::mouseDoubleClickEvent(QMouseEvent* event) {
+    // A second right click soon after the first asks for the menu too; Qt counts it otherwise.
+    if (event->button() == Qt::RightButton)
+        m_commands.menu().popup(event->globalPosition().toPoint());
+}
+
 void OutputWindowWidget::keyPressEvent(QKeyEvent* event) {
     const auto key = event->key();
     const bool starts = key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Space;
+    // Command+Q, as the menu names it, and what desktops here quit by.
+    const auto keys = event->keyCombination();
+    const bool quits = keys == QKeyCombination(Qt::META, Qt::Key_Q) ||
+                       keys == QKeyCombination(Qt::CTRL, Qt::Key_Q);
+    const bool opensMenu = keys == QKeyCombination(Qt::SHIFT, Qt::Key_F10); // Qt knows Menu only
     if (starts && !event->isAutoRepeat() && !m_commands.isSharing())
         m_commands.start();
+    else if (quits)
+        m_commands.quit();
+    else if (opensMenu)
+        m_commands.menu().popup(mapToGlobal(rect().center()));
     else
         QWidget::keyPressEvent(event);
 }

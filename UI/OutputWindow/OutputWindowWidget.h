@@ -8,7 +8,8 @@
 namespace kestrove {
 
 /// The output window's top level: shows its content over its whole area, tells what the desktop
-/// does to it, and has a menu (right click) and keys (Return and Space start) of its own. Its
+/// does to it, and has a menu (right click) and keys of its own: Return and Space start, Command+Q
+/// quits. Its
 /// native window is made with it.
 class OutputWindowWidget final : public QWidget {
 public:
@@ -37,6 +38,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
 private:

@@ -24,13 +24,14 @@ protected:
         OutputWindowCommands result;
         result.isSharing = [this] { return isSharing; };
         result.start = [this] { done.emplace_back("start"); };
+        result.quit = [this] { done.emplace_back("quit"); };
         result.menu = [this]() -> QMenu& { return menu; };
         result.windowClosed = [this] { done.emplace_back("closed"); };
         return result;
     }
 
-    void press(int key, bool isAutoRepeat = false) {
-        QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier, {}, isAutoRepeat);
+    void press(int key, bool isAutoRepeat = false, Qt::KeyboardModifiers modifiers = {}) {
+        QKeyEvent event(QEvent::KeyPress, key, modifiers, {}, isAutoRepeat);
         QApplication::sendEvent(&window, &event);
     }
 
@@ -66,6 +67,18 @@ TEST_F(OutputWindowWidgetTest, StartsByKeyUnlessItShares) {
     isSharing = true;
     press(Qt::Key_Return);
     EXPECT_EQ(done.size(), 2U);
+}
+
+TEST_F(OutputWindowWidgetTest, QuitsAndOpensItsMenuByKey) {
+    press(Qt::Key_Q);
+    EXPECT_EQ(done, Texts{});
+    press(Qt::Key_Q, false, Qt::MetaModifier);
+    press(Qt::Key_Q, false, Qt::ControlModifier);
+    EXPECT_EQ(done, (Texts{"quit", "quit"}));
+    menu.addAction(QStringLiteral("first"));
+    press(Qt::Key_F10, false, Qt::ShiftModifier);
+    EXPECT_TRUE(menu.isVisible());
+    menu.hide();
 }
 
 TEST_F(OutputWindowWidgetTest, TellsThatItWasClosedAndKeepsItsNumber) {

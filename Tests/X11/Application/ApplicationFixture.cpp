@@ -149,7 +149,11 @@ PixelImage ApplicationFixture::output() const {
 
 testing::AssertionResult ApplicationFixture::shows(const PaintedDisplay& display,
                                                    std::string_view name) {
-    const auto source = display.picture();
+    return shows(display.picture(), name);
+}
+
+testing::AssertionResult ApplicationFixture::shows(const PixelImage& source,
+                                                   std::string_view name) {
     PixelImage shown;
     PixelImage expected;
     int tolerance = 0;

@@ -41,6 +41,7 @@ protected:
     [[nodiscard]] PixelImage output() const;
     [[nodiscard]] testing::AssertionResult shows(const PaintedDisplay& display,
                                                  std::string_view name);
+    [[nodiscard]] testing::AssertionResult shows(const PixelImage& source, std::string_view name);
     [[nodiscard]] testing::AssertionResult showsPlaceholder(std::string_view name);
 
     /// As the user's hand on the window's edges does; of the size the content is meant, of the
