@@ -1,4 +1,5 @@
-// The program itself, whose settings a test changes while it runs: by lines on the standard input.
+// The program itself, whose settings a test changes while it runs: by lines on the standard input,
+// or in the named pipe that is the first argument.
 
 #include "App/KestroveApp.h"
 #include "App/X11Desktop/X11Desktop.h"
@@ -11,6 +12,7 @@
 #include <QApplication>
 
 #include <array>
+#include <fcntl.h>
 #include <functional>
 #include <map>
 #include <memory>
@@ -27,14 +29,15 @@ class Lines {
 public:
     using Commands = std::map<std::string, std::function<void()>, std::less<>>;
 
-    Lines(DescriptorWatching& watching, Commands commands)
+    Lines(DescriptorWatching& watching, int descriptor, Commands commands)
         : m_commands(std::move(commands))
-        , m_readable(watching.watchReadable(STDIN_FILENO, [this] { read(); })) {}
+        , m_descriptor(descriptor)
+        , m_readable(watching.watchReadable(descriptor, [this] { read(); })) {}
 
 private:
     void read() {
         std::array<char, 256> bytes{};
-        const auto count = ::read(STDIN_FILENO, bytes.data(), bytes.size());
+        const auto count = ::read(m_descriptor, bytes.data(), bytes.size());
         if (count <= 0) {
             m_readable.cancel();
             QCoreApplication::quit();
@@ -49,6 +52,7 @@ private:
     }
 
     Commands m_commands;
+    int m_descriptor;
     std::string m_text;
     Subscription m_readable;
 };
@@ -70,13 +74,16 @@ int main(int argumentCount, char** arguments) {
         return 1;
     KestroveApp app({loop, *log, defaults, **desktop});
     auto& settings = app.settings();
-    const Lines lines(watching, {{"hide", [&] { settings.hideOutputWindow.set(true); }},
-                                 {"unhide", [&] { settings.hideOutputWindow.set(false); }},
-                                 {"float", [&] { settings.alwaysOnTop.set(true); }},
-                                 {"sink", [&] { settings.alwaysOnTop.set(false); }},
-                                 {"show", [&] { app.outputWindow().show(); }},
-                                 {"start", [&] { app.controller().start(); }},
-                                 {"stop", [&] { app.controller().stop(); }}});
+    const int descriptor =
+        argumentCount > 1 ? ::open(arguments[1], O_RDONLY | O_CLOEXEC) : STDIN_FILENO;
+    const Lines lines(watching, descriptor,
+                      {{"hide", [&] { settings.hideOutputWindow.set(true); }},
+                       {"unhide", [&] { settings.hideOutputWindow.set(false); }},
+                       {"float", [&] { settings.alwaysOnTop.set(true); }},
+                       {"sink", [&] { settings.alwaysOnTop.set(false); }},
+                       {"show", [&] { app.outputWindow().show(); }},
+                       {"start", [&] { app.controller().start(); }},
+                       {"stop", [&] { app.controller().stop(); }}});
     loop.post([&app] { app.delegate().applicationDidFinishLaunching(); });
     return QApplication::exec();
 }

@@ -15,9 +15,18 @@
 
 namespace kestrove::test {
 
+namespace {
+
+bool needsSessionBus(WindowManager manager) {
+    using enum WindowManager;
+    return manager == xfwm4 || manager == metacity;
+}
+
+} // namespace
+
 XDesktop::XDesktop(const Options& options)
     : m_server(m_folder.path(), options.monitors) {
-    if (options.sessionBus == SessionBus::own || options.windowManager == WindowManager::xfwm4) {
+    if (options.sessionBus == SessionBus::own || needsSessionBus(options.windowManager)) {
         startSessionBus();
     }
     startWindowManager(options.windowManager);
@@ -74,6 +83,9 @@ void XDesktop::startWindowManager(WindowManager manager) {
         break;
     case WindowManager::xfwm4:
         m_windowManager = start({"xfwm4", "--compositor=off", "--vblank=off"});
+        break;
+    case WindowManager::metacity:
+        m_windowManager = start({"metacity", "--no-composite", "--sm-disable"});
         break;
     }
     m_probe = xcb_generate_id(connection());

@@ -10,7 +10,7 @@
 
 namespace kestrove::test {
 
-enum class WindowManager { none, openbox, xfwm4 };
+enum class WindowManager { none, openbox, xfwm4, metacity };
 enum class Compositor { none, picom };
 enum class SessionBus { none, own };
 
@@ -23,7 +23,8 @@ public:
         std::vector<Monitor> monitors = twoMonitors();
         WindowManager windowManager = WindowManager::none;
         Compositor compositor = Compositor::none;
-        SessionBus sessionBus = SessionBus::none; ///< xfwm4 brings one, it does not start without
+        SessionBus sessionBus =
+            SessionBus::none; ///< a window manager brings one, some do not start without
     };
 
     XDesktop()

@@ -67,7 +67,11 @@ void ApplicationFixture::start(std::string_view settings) {
 }
 
 void ApplicationFixture::start() {
-    m_program = desktop.start({KESTROVE_PROGRAM});
+    start(std::vector<std::string>{KESTROVE_PROGRAM});
+}
+
+void ApplicationFixture::start(const std::vector<std::string>& command) {
+    m_program = desktop.start(command);
     (void)waitUntil([this] { return (m_window = findOutput()) != 0 || !m_program->isRunning(); });
     if (m_window == XCB_WINDOW_NONE) {
         giveUp("the program shows no window: " + m_program->logTail());

@@ -11,6 +11,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kestrove::test {
 
@@ -32,6 +33,7 @@ protected:
     /// Starts the program and waits for its window. The settings are those that were written.
     void start();
     void start(std::string_view settings);
+    void start(const std::vector<std::string>& command);
     [[nodiscard]] ChildProcess& program() { return *m_program; }
     [[nodiscard]] xcb_window_t window() const { return m_window; }
 

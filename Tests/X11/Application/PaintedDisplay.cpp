@@ -31,7 +31,8 @@ PaintedDisplay::PaintedDisplay(XDesktop& desktop, const xcb_rectangle_t& place, 
     xcb_configure_window(m_window.connection(), m_window.id(), XCB_CONFIG_WINDOW_STACK_MODE,
                          &below);
     usePointer();
-    m_picture = readPixels(desktop.connection(), desktop.root(), place);
+    // Not the root: a compositor shows windows without painting them there.
+    m_picture = readPixels(desktop.connection(), m_window.id());
 }
 
 void PaintedDisplay::usePointer() {

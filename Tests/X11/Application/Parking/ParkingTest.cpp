@@ -1,0 +1,132 @@
+#include "Tests/Support/Processes/Waiting.h"
+#include "Tests/X11/Application/Parking/SteeredFixture.h"
+
+namespace kestrove::test {
+namespace {
+
+class Parking : public SteeredFixture, public testing::WithParamInterface<Desk> {
+protected:
+    Parking()
+        : SteeredFixture(GetParam()) {}
+
+    void share(std::string_view settings) {
+        startSteered(std::string(settings) + "kestrove.autoStart=true\n");
+        server.movePointer(20, 20);
+    }
+
+    /// What the display shows becomes another, and the output follows.
+    testing::AssertionResult isLive(PaintedDisplay& display, std::string_view name) {
+        m_shade += 0x00301010;
+        display.paint({200, 100, 300, 250}, m_shade);
+        return presents(display, name);
+    }
+
+private:
+    Color m_shade = 0xff101010;
+};
+
+INSTANTIATE_TEST_SUITE_P(Desks, Parking, testing::ValuesIn(everyDesk()),
+                         [](const auto& tested) { return tested.param.name; });
+
+TEST_P(Parking, GoesOnLiveUnderTheSameIdentifierAndComesBackToThePixel) {
+    share(onlyDisplay("RIGHT"));
+    ASSERT_TRUE(presents(right, "shown"));
+    const auto place = settledPlace();
+    for (int time = 0; time < 2; ++time) {
+        ASSERT_TRUE(parks());
+        EXPECT_EQ(outputPlace().width, place.width);
+        EXPECT_EQ(outputPlace().height, place.height);
+        EXPECT_TRUE(isLive(right, "parked"));
+        ASSERT_TRUE(returnsTo(place));
+        EXPECT_TRUE(isLive(right, "back"));
+    }
+}
+
+TEST_P(Parking, TakesTheShapeOfAnotherSourceAndStaysUnseen) {
+    share("");
+    ASSERT_TRUE(presents(left, "shown"));
+    ASSERT_TRUE(parks());
+    server.movePointer(1200, 700);
+    EXPECT_TRUE(presents(right, "another source"));
+    EXPECT_TRUE(waitUntil([this] {
+        const auto shape = outputPlace();
+        return std::abs(1280 * shape.height - 800 * shape.width) <= 1280;
+    }));
+    EXPECT_TRUE(isParked());
+    EXPECT_TRUE(isLive(right, "parked, another source"));
+    tell("unhide");
+    EXPECT_TRUE(waitUntil([this] { return isOutputViewable() && !isParked(); }));
+    EXPECT_TRUE(shows(right, "back"));
+}
+
+TEST_P(Parking, ComesBackToTheDisplayThatIsLeft) {
+    share(onlyDisplay("LEFT"));
+    ASSERT_TRUE(presents(left, "shown"));
+    (void)settledPlace();
+    moveOutputToTheRight();
+    (void)settledPlace();
+    ASSERT_TRUE(parks());
+    server.removeMonitor("RIGHT");
+    EXPECT_TRUE(isLive(left, "unplugged"));
+    EXPECT_TRUE(isParked());
+    tell("unhide");
+    EXPECT_TRUE(waitUntil([this] {
+        const auto place = outputPlace();
+        return isOutputViewable() && place.x >= 0 && place.y >= 0 && place.height > 0 &&
+               place.x + place.width <= leftPlace.width &&
+               place.y + place.height <= leftPlace.height;
+    }));
+    EXPECT_TRUE(shows(left, "back"));
+}
+
+TEST_P(Parking, ShowsAMinimisedWindowToThoseWhoCaptureIt) {
+    share(onlyDisplay("RIGHT"));
+    ASSERT_TRUE(presents(right, "shown"));
+    const auto place = settledPlace();
+    minimise();
+    ASSERT_TRUE(parks());
+    EXPECT_TRUE(isLive(right, "parked"));
+    ASSERT_TRUE(returnsTo(place));
+    EXPECT_TRUE(isLive(right, "back"));
+}
+
+TEST_P(Parking, KeepsItsLevelThroughIt) {
+    if (GetParam().manager == WindowManager::none) {
+        // Nobody keeps windows above others there: what is left is that the switch does no harm.
+        share("");
+        ASSERT_TRUE(presents(left, "shown"));
+        tell("float");
+        ASSERT_TRUE(parks());
+        EXPECT_TRUE(isLive(left, "parked"));
+        return;
+    }
+    share("");
+    ASSERT_TRUE(presents(left, "shown"));
+    EXPECT_FALSE(hasState("_NET_WM_STATE_ABOVE"));
+    tell("float");
+    EXPECT_TRUE(waitUntil([this] { return hasState("_NET_WM_STATE_ABOVE"); }));
+    ASSERT_TRUE(parks());
+    tell("unhide");
+    EXPECT_TRUE(waitUntil([this] { return hasState("_NET_WM_STATE_ABOVE"); }));
+    ASSERT_TRUE(parks());
+    tell("sink");
+    tell("unhide");
+    EXPECT_TRUE(waitUntil([this] {
+        return !isParked() && server.hasProperty(window(), "WM_STATE") && isOutputViewable() &&
+               !hasState("_NET_WM_STATE_ABOVE");
+    }));
+    EXPECT_TRUE(isLive(left, "back among the others"));
+}
+
+TEST_P(Parking, IsThereFromTheStartWhenTheWindowWasLeftHidden) {
+    share(onlyDisplay("RIGHT") + "kestrove.hideOutputWindow=true\n");
+    EXPECT_TRUE(waitUntil([this] { return isParked(); }));
+    EXPECT_TRUE(isLive(right, "parked"));
+    tell("unhide");
+    EXPECT_TRUE(waitUntil([this] { return isOutputViewable() && !isParked(); }));
+    (void)settledPlace();
+    EXPECT_TRUE(shows(right, "back"));
+}
+
+} // namespace
+} // namespace kestrove::test
