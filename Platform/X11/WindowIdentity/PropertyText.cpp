@@ -87,20 +87,4 @@ std::string textOfLatin1(std::string_view bytes) {
     return text;
 }
 
-std::string textOfCompound(std::string_view bytes) {
-    constexpr char escape = '\x1B';
-    std::string text;
-    for (std::size_t i = 0; i < bytes.size(); ++i) {
-        if (bytes[i] == escape) {
-            // Intermediates, then one final byte.
-            ++i;
-            while (i < bytes.size() && byteAt(bytes, i) >= 0x20 && byteAt(bytes, i) < 0x30)
-                ++i;
-        } else if (byteAt(bytes, i) < 0x80) {
-            text += bytes[i];
-        }
-    }
-    return textOfUtf8(text);
-}
-
 } // namespace kestrove::x11

@@ -14,8 +14,4 @@ namespace kestrove::x11 {
 /// ISO 8859-1, which is what the property type STRING means.
 [[nodiscard]] std::string textOfLatin1(std::string_view bytes);
 
-/// Compound text without its encodings: only what is ASCII. Programs that need more than that have
-/// written a UTF-8 title beside it for decades.
-[[nodiscard]] std::string textOfCompound(std::string_view bytes);
-
 } // namespace kestrove::x11

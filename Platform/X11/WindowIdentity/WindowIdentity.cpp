@@ -1,6 +1,7 @@
 #include "Platform/X11/WindowIdentity/WindowIdentity.h"
 
 #include "Platform/X11/Properties.h"
+#include "Platform/X11/WindowIdentity/CompoundText.h"
 #include "Platform/X11/WindowIdentity/PropertyText.h"
 #include "Platform/X11/WindowIdentity/WindowLayer.h"
 

@@ -46,8 +46,8 @@ TEST_F(WindowIdentityTest, MakesEveryTitleValid) {
     window->setText("_NET_WM_NAME", "UTF8_STRING", "");
     window->setText("WM_NAME", "STRING", "caf\xE9");
     EXPECT_EQ(identityOf(*window).title, "café");
-    window->setText("WM_NAME", "COMPOUND_TEXT", "mail \x1B$(B\xC6\xFC\x1B(B (3)");
-    EXPECT_EQ(identityOf(*window).title, "mail  (3)");
+    window->setText("WM_NAME", "COMPOUND_TEXT", "mail \x1B$(BF|\x1B(B (3)");
+    EXPECT_EQ(identityOf(*window).title, "mail 日 (3)");
     window->setText("WM_NAME", "STRING", "");
     EXPECT_EQ(identityOf(*window).title, std::nullopt);
 }
