@@ -13,6 +13,7 @@
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace {
@@ -55,7 +56,10 @@ int main(int argumentCount, char** arguments) {
         [](std::string label) { return std::make_shared<ThreadSerialQueue>(std::move(label)); });
     QtDescriptorWatching watching;
     const auto log = makeSystemLog(programName);
-    FileUserDefaults defaults(FileUserDefaults::defaultFile(programName));
+    FileUserDefaults defaults(FileUserDefaults::defaultFile(programName),
+                              [&log](LogLevel level, std::string_view line) {
+                                  log->write(KestroveApp::bundleIdentifier, "", level, line);
+                              });
     const auto desktop = X11Desktop::open(loop, watching);
     if (!desktop)
         return fail(desktop.error().description);

@@ -10,7 +10,8 @@
 /// cut, sees either the old content or the new one.
 namespace kestrove::AtomicFile {
 
-/// The whole content; `no_such_file_or_directory` when there is none.
+/// The whole content; `no_such_file_or_directory` when there is none. Never waits: an error for
+/// what is no regular file, and for one of more than 16 MiB.
 [[nodiscard]] std::expected<std::string, std::error_code> read(const std::filesystem::path& path);
 
 /// Makes the folder (for the user only) and the file when they are missing, keeps the permissions

@@ -28,10 +28,14 @@ std::filesystem::path homeFolder() {
 
 } // namespace
 
-FileUserDefaults::FileUserDefaults(std::filesystem::path file)
-    : m_file(std::move(file)) {
-    if (const auto content = AtomicFile::read(m_file))
+FileUserDefaults::FileUserDefaults(std::filesystem::path file, Report report)
+    : m_file(std::move(file))
+    , m_report(std::move(report)) {
+    const auto content = AtomicFile::read(m_file);
+    if (content)
         m_values = DefaultsDocument(*content).values();
+    else if (content.error() != std::errc::no_such_file_or_directory)
+        this->report(LogLevel::error, "settings cannot be read", content.error());
 }
 
 std::filesystem::path FileUserDefaults::defaultFile(std::string_view folder) {
@@ -89,19 +93,39 @@ void FileUserDefaults::setData(std::string_view key, const Data& value) {
 void FileUserDefaults::set(std::string_view key, DefaultsText::Value value) {
     m_values.insert_or_assign(std::string(key), std::move(value));
     m_unstored.emplace(key);
-    if (store())
+    const auto outcome = store();
+    if (!outcome)
         m_unstored.clear();
+    reportStoring(outcome);
 }
 
-bool FileUserDefaults::store() const {
+std::error_code FileUserDefaults::store() const {
     const auto before = AtomicFile::read(m_file);
     if (!before && before.error() != std::errc::no_such_file_or_directory)
-        return false;
+        return before.error();
     DefaultsDocument document(before ? *before : std::string());
     for (const auto& key : m_unstored)
         document.set(key, m_values.find(key)->second);
     const auto after = document.text();
-    return (before && *before == after) || !AtomicFile::write(m_file, after);
+    return before && *before == after ? std::error_code() : AtomicFile::write(m_file, after);
+}
+
+void FileUserDefaults::reportStoring(std::error_code outcome) {
+    // A setting may change many times a second; only what is new is worth a line.
+    if (outcome == m_failure)
+        return;
+    m_failure = outcome;
+    if (outcome)
+        report(LogLevel::error, "settings cannot be stored, they hold for this run", outcome);
+    else
+        report(LogLevel::standard, "settings are stored again", {});
+}
+
+void FileUserDefaults::report(LogLevel level, std::string_view what, std::error_code reason) const {
+    if (!m_report)
+        return;
+    const auto why = reason ? fmt::format(": {}", reason.message()) : std::string();
+    m_report(level, fmt::format("[kestrove] {} ({}){}", what, m_file.native(), why));
 }
 
 } // namespace kestrove

@@ -5,9 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include <csignal>
 #include <iterator>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -124,41 +122,6 @@ TEST_F(FileUserDefaultsTest, GoesOnWhereNoFolderCanBeMade) {
     FileUserDefaults nowhere{std::filesystem::path()};
     nowhere.setText("key", "value");
     EXPECT_EQ(nowhere.text("key"), "value");
-}
-
-/// No file can grow beyond `bytes`, as on a full disk.
-class FileSizeLimit {
-public:
-    explicit FileSizeLimit(rlim_t bytes)
-        : m_handler(std::signal(SIGXFSZ, SIG_IGN)) {
-        ::getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit limit{bytes, m_before.rlim_max};
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-    ~FileSizeLimit() {
-        ::setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_handler);
-    }
-
-private:
-    void (*m_handler)(int);
-    rlimit m_before{};
-};
-
-TEST_F(FileUserDefaultsTest, KeepsTheOldFileWhenTheDiskIsFullAndStoresBothValuesLater) {
-    FileUserDefaults defaults(file);
-    defaults.setText("first", "old");
-    {
-        const FileSizeLimit full(12);
-        defaults.setText("first", "new, and longer than the disk can take");
-        EXPECT_EQ(defaults.text("first"), "new, and longer than the disk can take");
-    }
-    EXPECT_EQ(contentOf(file), "first=old\n");
-    EXPECT_EQ(fileCount(), 1U);
-    defaults.setInteger("second", 2);
-    EXPECT_EQ(contentOf(file), "first=new, and longer than the disk can take\nsecond=2\n");
 }
 
 TEST_F(FileUserDefaultsTest, KeepsThePermissionsAndALinkToTheFile) {
