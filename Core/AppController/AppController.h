@@ -161,6 +161,9 @@ private:
 
     // Availability.cpp: the lists.
     [[nodiscard]] SourceVisibilityCoordinator& sourceVisibilityCoordinator();
+    /// A picked window without a known owner is not checked: nobody could tell it from a later
+    /// window with its number.
+    void reportOwnerlessPicks();
     void adopt(const SourceVisibilityCoordinator::Refresh& refresh);
     void displaysDidChange();
     [[nodiscard]] Task<void> listingDidFail(PlatformError error);
@@ -205,6 +208,8 @@ private:
     bool m_needsDiscardedManualWindowRecovery = false;
     /// Not to be tried again only because tracking begins anew.
     std::optional<CaptureSource> m_sourceNotToRetry;
+    /// Picked windows that were reported for want of a known owner.
+    CaptureSourceSet m_ownerlessPicks;
     /// The displays of the last successful enumeration, in its order.
     std::vector<DisplayID> m_latestAvailableDisplayIDs;
 

@@ -38,7 +38,24 @@ void AppController::scheduleSourceRefresh() {
     m_tasks.launch(refreshAvailableSources());
 }
 
+void AppController::reportOwnerlessPicks() {
+    CaptureSourceSet ownerless;
+    const auto& selections = m_with.settings.manualWindowSelections();
+    for (const auto& source : m_with.settings.manualSources.get()) {
+        if (source.isWindow() && !selections.contains(source.identifier()))
+            ownerless.insert(source);
+    }
+    // Refreshes come every few seconds: one line for each such pick, not for each refresh.
+    for (const auto& source : ownerless) {
+        if (!m_ownerlessPicks.contains(source))
+            m_with.diagnosticOutput.writeLine(
+                "[kestrove] skipped manual window selection without owner identity");
+    }
+    m_ownerlessPicks = std::move(ownerless);
+}
+
 Task<void> AppController::refreshAvailableSources() {
+    reportOwnerlessPicks();
     std::vector<ManualWindowSelection> selections;
     for (const auto& [window, selection] : m_with.settings.manualWindowSelections())
         selections.push_back(selection);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <utility>
 
 namespace kestrove {
 namespace {
@@ -95,6 +96,28 @@ TEST(AppControllerAvailability, PrunesTerminatedPicks) {
     EXPECT_EQ(bench.diagnostics.lines,
               std::vector<std::string>{"[kestrove] pruned 2 terminated manual source(s)"});
     EXPECT_EQ(bench.settings->manualSources.get(), std::vector{display1});
+}
+
+TEST(AppControllerAvailability, APickWithoutAKnownOwnerIsReportedOnceAndNotChecked) {
+    const Events skipped{"[kestrove] skipped manual window selection without owner identity"};
+    ControllerBench bench;
+    bench.createManual({window5, display1});
+    bench.existence.answers[6] = WindowExistence::terminated;
+    bench.diagnostics.lines.clear();
+    const auto refresh = [&bench] {
+        bench.controller->scheduleSourceRefresh();
+        bench.settle();
+        return std::exchange(bench.diagnostics.lines, {});
+    };
+    bench.settings->manualSources.set({window5, display1, window6});
+    EXPECT_EQ(refresh(), skipped);
+    EXPECT_EQ(bench.settings->manualSources.get(), (std::vector{window5, display1, window6}));
+    EXPECT_EQ(refresh(), Events());
+
+    bench.settings->manualSources.set({window5, display1});
+    EXPECT_EQ(refresh(), Events());
+    bench.settings->manualSources.set({window5, display1, window6});
+    EXPECT_EQ(refresh(), skipped) << "picked anew";
 }
 
 TEST(AppControllerAvailability, AFailedEnumerationKeepsTheListsAndIsLogged) {
