@@ -59,7 +59,8 @@ struct ShareableContent {
 enum class DesktopWindows { included, excluded };
 enum class WindowsListed { all, onScreenOnly };
 
-/// A whole display without some windows: where those lie, what is beneath them is captured.
+/// A whole display without some windows: where those lie, what is beneath them is captured. They
+/// need not be listed as shareable, nor be on the screen yet.
 struct DisplayFilter {
     DisplayFilter(DisplayID capturedDisplay, std::vector<WindowID> windowsLeftOut)
         : displayID(capturedDisplay)

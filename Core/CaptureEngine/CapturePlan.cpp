@@ -4,7 +4,6 @@
 #include "Util/ContentGeometry.h"
 
 #include <algorithm>
-#include <iterator>
 
 namespace kestrove {
 
@@ -16,15 +15,17 @@ constexpr Size minimumWindowPixels{480, 270};
 using Result = std::expected<CaptureContentFilterPlan, EngineError>;
 
 Result planDisplay(DisplayID identifier, const ShareableContent& content,
-                   const WindowIDSet& excludedWindowIDs) {
+                   WindowIDSet excludedWindowIDs) {
     const auto display =
         std::ranges::find(content.displays, identifier, &CapturableDisplay::displayID);
     if (display == content.displays.end())
         return std::unexpected(EngineError::displayNotFound);
-    std::vector<CapturableWindow> excluded;
-    std::ranges::copy_if(content.windows, std::back_inserter(excluded), [&](const auto& window) {
-        return excludedWindowIDs.contains(window.windowID);
-    });
+    std::vector<WindowID> excluded;
+    for (const auto& window : content.windows) {
+        if (excludedWindowIDs.erase(window.windowID) > 0)
+            excluded.push_back(window.windowID);
+    }
+    excluded.insert(excluded.end(), excludedWindowIDs.begin(), excludedWindowIDs.end());
     return DisplayPlan(*display, std::move(excluded));
 }
 
@@ -47,10 +48,7 @@ ContentFilter contentFilter(const CaptureContentFilterPlan& plan) {
     if (const auto* window = std::get_if<WindowPlan>(&plan))
         return WindowFilter(window->window.windowID);
     const auto& display = std::get<DisplayPlan>(plan);
-    std::vector<WindowID> excluded;
-    std::ranges::transform(display.excludedWindows, std::back_inserter(excluded),
-                           &CapturableWindow::windowID);
-    return DisplayFilter(display.display.displayID, std::move(excluded));
+    return DisplayFilter(display.display.displayID, display.excludedWindows);
 }
 
 Size pixelSize(const CaptureContentFilterPlan& plan, const std::vector<Screen>& screens) {

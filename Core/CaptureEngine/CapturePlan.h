@@ -13,11 +13,11 @@
 namespace kestrove {
 
 struct DisplayPlan {
-    DisplayPlan(CapturableDisplay found, std::vector<CapturableWindow> leftOut)
+    DisplayPlan(CapturableDisplay found, std::vector<WindowID> leftOut)
         : display(found)
         , excludedWindows(std::move(leftOut)) {}
     CapturableDisplay display;
-    std::vector<CapturableWindow> excludedWindows;
+    std::vector<WindowID> excludedWindows;
 };
 
 struct WindowPlan {
@@ -30,7 +30,11 @@ struct WindowPlan {
 /// or one window.
 using CaptureContentFilterPlan = std::variant<DisplayPlan, WindowPlan>;
 
-/// Fails when the source is not in the content. The windows left out keep the content's order.
+/// Fails when the source is not in the content.
+///
+/// The windows left out keep the content's order; after them come those that the content misses. A
+/// window manager takes its time until it lists a window of ours, and one that was not left out
+/// from the start would show itself without end.
 [[nodiscard]] std::expected<CaptureContentFilterPlan, EngineError>
 planCapture(const CaptureSource& source, const ShareableContent& content,
             const WindowIDSet& excludedWindowIDs);

@@ -137,6 +137,22 @@ TEST_P(DisplayCapture, FollowsTheOutputThatMovesOverTheDisplay) {
     }
 }
 
+TEST_P(DisplayCapture, LeavesOutAWindowThatComesOntoTheScreenLater) {
+    const TestWindow beside(displayName(), patterned({50, 50, 200, 600}));
+    test.settleScreen(wholeLeft);
+    const auto clean = test.screen(wholeLeft);
+    TestWindow late(displayName(), {.geometry = {300, 200, 400, 300}, .mapped = false});
+    test.openOutput({1280, 0, 1280, 800});
+    test.start(test.display(0, {late.id()}));
+    ASSERT_TRUE(test.outputBecomes(clean, "before"));
+    // A window manager puts a frame around it.
+    late.show();
+    test.settleScreen(wholeLeft);
+    ASSERT_NE(test.screen(wholeLeft).pixels, clean.pixels);
+    test.settle();
+    EXPECT_TRUE(test.outputBecomes(clean, "after"));
+}
+
 TEST_P(DisplayCapture, CostsNothingWhileNothingChanges) {
     const TestWindow below(displayName(), patterned({50, 50, 600, 400}));
     test.openOutput({200, 150, 640, 400});

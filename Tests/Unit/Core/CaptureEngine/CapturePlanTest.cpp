@@ -41,8 +41,13 @@ protected:
 };
 
 TEST_F(CapturePlanTest, ADisplayIsFilteredWithTheExcludedWindowsInTheContentsOrder) {
-    const auto plan = planCapture(CaptureSource::display(9), content, {20, 30, 99});
+    const auto plan = planCapture(CaptureSource::display(9), content, {20, 30});
     EXPECT_EQ(contentFilter(*plan), ContentFilter(DisplayFilter(9, {30, 20})));
+}
+
+TEST_F(CapturePlanTest, AnExcludedWindowThatIsNotListedYetIsLeftOutAllTheSame) {
+    const auto plan = planCapture(CaptureSource::display(9), content, {10, 20, 30, 99});
+    EXPECT_EQ(contentFilter(*plan), ContentFilter(DisplayFilter(9, {30, 20, 10, 99})));
 }
 
 TEST_F(CapturePlanTest, AWindowIsFilteredByItself) {
