@@ -305,7 +305,11 @@ void QtOutputWindow::adoptDecorations() {
     if (m_isParked || m_isToBePlaced)
         return;
     const auto decorations = m_widget.windowHandle()->frameMargins();
-    if (decorations == m_decorations)
+    // A window manager that is about to put a frame around the window makes a tiny one first; for
+    // that long the toolkit takes what the frame lacks for decorations.
+    const bool isBeingFramed = std::min({decorations.left(), decorations.top(), decorations.right(),
+                                         decorations.bottom()}) < 0;
+    if (isBeingFramed || decorations == m_decorations)
         return;
     const bool isWhereItWasPut = m_requested && m_requested->geometry == m_widget.geometry();
     m_decorations = decorations;
