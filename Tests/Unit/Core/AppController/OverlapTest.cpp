@@ -87,6 +87,31 @@ TEST(AppControllerOverlap, ALateRecoveryDoesNotBeginTheNextSessionsFollowing) {
     EXPECT_TRUE(bench.scheduler.isScheduled());
 }
 
+// A session does not wait for the listing of an earlier one: what was never listed is not there.
+TEST(AppControllerOverlap, ASecondStartDuringTheVeryFirstListingFindsNoSource) {
+    ControllerBench bench;
+    bench.create();
+    bench.gate.hold();
+    bench.controller->start();
+    bench.settle();
+    ASSERT_EQ(bench.gate.waiting(), Events{"fetch"});
+    bench.controller->stop();
+    bench.settle();
+    letThrough(bench, Order::newestFirst);
+    ASSERT_EQ(bench.state(), State::stopped());
+    bench.controller->start();
+    bench.settle();
+    EXPECT_EQ(bench.gate.waiting(), (Events{"fetch", "engine stop"}));
+    bench.gate.open();
+    bench.settle();
+    EXPECT_EQ(bench.state(), State::recoveryRequired(CaptureRecoveryReason::sourceUnavailable));
+    // The listing has come meanwhile: the next start finds it.
+    bench.controller->start();
+    bench.settle();
+    EXPECT_EQ(bench.state(), State::running());
+    EXPECT_EQ(bench.active(), display1);
+}
+
 TEST(AppControllerOverlap, ALateStartDoesNotSwitchInTheNextSession) {
     ControllerBench bench;
     bench.create();
