@@ -1,6 +1,8 @@
+#include "Tests/Support/XServer/Reply.h"
 #include "Tests/X11/Capture/CaptureFixture.h"
 
 #include <algorithm>
+#include <xcb/composite.h>
 
 namespace kestrove::test {
 namespace {
@@ -177,6 +179,60 @@ TEST_P(WindowCapture, GoesFromOneWindowToAnotherOnOneStream) {
     test.retarget(WindowFilter(second.id()));
     const PixelImage expected{400, 300, std::vector<std::uint32_t>(400UL * 300, 0xFF00AA77U)};
     EXPECT_TRUE(test.outputBecomes(expected, "second"));
+}
+
+/// At which step of a compositor's coming the stream starts.
+enum class Begins { before, underItsOverlay, afterwards };
+
+class WindowCaptureAndANewCompositor : public testing::TestWithParam<Begins> {};
+
+INSTANTIATE_TEST_SUITE_P(Moments, WindowCaptureAndANewCompositor,
+                         testing::Values(Begins::before, Begins::underItsOverlay,
+                                         Begins::afterwards));
+
+// Until a compositor has redirected the windows that its overlay covers, their pixels cannot be
+// read from the screen: reading them then shows the overlay, whatever they hold.
+TEST_P(WindowCaptureAndANewCompositor, StaysLiveThroughItsComingAndGoing) {
+    CaptureDesktop test({.windowManager = WindowManager::openbox});
+    TestWindow window(test.desktop.displayName(),
+                      {.geometry = {100, 80, 400, 300}, .color = 0xFF00AA77});
+    test.openOutput({1400, 100, 400, 300});
+    auto* const compositor = test.desktop.connection();
+    const auto root = test.desktop.root();
+    const auto showsWhole = [&](Color color, std::string_view name) {
+        window.fillRectangle({0, 0, 400, 300}, color);
+        const PixelImage expected{400, 300, std::vector<std::uint32_t>(400UL * 300, color)};
+        return test.outputBecomes(expected, name);
+    };
+
+    if (GetParam() == Begins::before) {
+        test.start(WindowFilter(window.id()));
+        ASSERT_TRUE(showsWhole(0xFF112233, "before"));
+    }
+    const auto asked = xcb_composite_get_overlay_window(compositor, root);
+    const Reply overlay(xcb_composite_get_overlay_window_reply(compositor, asked, nullptr));
+    ASSERT_TRUE(overlay);
+    if (GetParam() == Begins::underItsOverlay) {
+        test.start(WindowFilter(window.id()));
+        test.settle();
+    }
+    const Reply<xcb_generic_error_t> error(
+        xcb_request_check(compositor, xcb_composite_redirect_subwindows_checked(
+                                          compositor, root, XCB_COMPOSITE_REDIRECT_MANUAL)));
+    ASSERT_FALSE(error);
+    if (GetParam() == Begins::afterwards)
+        test.start(WindowFilter(window.id()));
+    const PixelImage now{400, 300,
+                         std::vector<std::uint32_t>(
+                             400UL * 300, GetParam() == Begins::before ? 0xFF112233 : 0xFF00AA77)};
+    EXPECT_TRUE(test.outputBecomes(now, "redirected"));
+    EXPECT_TRUE(showsWhole(0xFF445566, "drawn while redirected"));
+
+    xcb_composite_unredirect_subwindows(compositor, root, XCB_COMPOSITE_REDIRECT_MANUAL);
+    xcb_composite_release_overlay_window(compositor, root);
+    sync(compositor);
+    EXPECT_TRUE(showsWhole(0xFF778899, "without it again"));
+    EXPECT_TRUE(test.stops.empty());
 }
 
 } // namespace
