@@ -2,6 +2,7 @@
 #include "App/X11Desktop/X11Desktop.h"
 #include "Platform/Linux/FileUserDefaults.h"
 #include "Platform/Linux/JournalLog.h"
+#include "Platform/Linux/Session/UserSession.h"
 #include "Platform/Linux/TerminationSignals.h"
 #include "Platform/Linux/ThreadSerialQueue.h"
 #include "Platform/Qt/QtDescriptorWatching.h"
@@ -60,7 +61,8 @@ int main(int argumentCount, char** arguments) {
                               [&log](LogLevel level, std::string_view line) {
                                   log->write(KestroveApp::bundleIdentifier, "", level, line);
                               });
-    const auto desktop = X11Desktop::open(loop, watching);
+    UserSession session(loop, watching, *log, KestroveApp::bundleIdentifier);
+    const auto desktop = X11Desktop::open(loop, watching, session.signals);
     if (!desktop)
         return fail(desktop.error().description);
 

@@ -15,14 +15,15 @@ xcb_connection_t* connectionOfQt() {
 } // namespace
 
 std::expected<std::unique_ptr<X11Desktop>, PlatformError>
-X11Desktop::open(MainLoop& loop, DescriptorWatching& watching) {
+X11Desktop::open(MainLoop& loop, DescriptorWatching& watching, SessionSignals& session) {
     auto connection = x11::Connection::open(loop, watching, {});
     if (!connection)
         return std::unexpected(std::move(connection.error()));
-    return std::unique_ptr<X11Desktop>(new X11Desktop(std::move(*connection), watching));
+    return std::unique_ptr<X11Desktop>(new X11Desktop(std::move(*connection), watching, session));
 }
 
-X11Desktop::X11Desktop(std::unique_ptr<x11::Connection> connection, DescriptorWatching& watching)
+X11Desktop::X11Desktop(std::unique_ptr<x11::Connection> connection, DescriptorWatching& watching,
+                       SessionSignals& session)
     : m_connection(std::move(connection))
     , m_windowManager(connectionOfQt())
     , m_parking(*m_connection, connectionOfQt())
@@ -32,7 +33,7 @@ X11Desktop::X11Desktop(std::unique_ptr<x11::Connection> connection, DescriptorWa
     , m_screens(*m_connection, m_monitors)
     , m_pointer(*m_connection, m_monitors, m_motion)
     , m_windowServer(*m_connection, m_monitors)
-    , m_workspace(*m_connection, watching, m_applications)
+    , m_workspace(*m_connection, watching, m_applications, session)
     , m_screenCapture(*m_connection, m_monitors, m_applications, m_motion)
     , m_hotKeys(*m_connection)
     , m_keyTexts(*m_connection)

@@ -27,7 +27,7 @@ class X11Desktop {
 public:
     /// Fails when the server cannot be reached or lacks what capture needs.
     static std::expected<std::unique_ptr<X11Desktop>, PlatformError>
-    open(MainLoop& loop, DescriptorWatching& watching);
+    open(MainLoop& loop, DescriptorWatching& watching, SessionSignals& session);
 
     [[nodiscard]] x11::Connection& connection() { return *m_connection; }
     [[nodiscard]] Screens& screens() { return m_screens; }
@@ -43,7 +43,8 @@ public:
     [[nodiscard]] NativeWindowRequests windowRequests();
 
 private:
-    X11Desktop(std::unique_ptr<x11::Connection> connection, DescriptorWatching& watching);
+    X11Desktop(std::unique_ptr<x11::Connection> connection, DescriptorWatching& watching,
+               SessionSignals& session);
 
     std::unique_ptr<x11::Connection> m_connection;
     x11::WindowManagerRequests m_windowManager;

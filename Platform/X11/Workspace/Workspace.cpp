@@ -23,10 +23,11 @@ bool isMap(const xcb_generic_event_t& event) {
 } // namespace
 
 Workspace::Workspace(Connection& connection, DescriptorWatching& watching,
-                     Applications& applications)
+                     Applications& applications, SessionSignals& session)
     : m_connection(connection)
     , m_watching(watching)
     , m_applications(applications)
+    , m_session(session)
     , m_root(connection, XCB_EVENT_MASK_PROPERTY_CHANGE)
     , m_focus(connection, XCB_EVENT_MASK_FOCUS_CHANGE)
     , m_tasks(connection.loop()) {
@@ -76,19 +77,19 @@ Subscription Workspace::onApplicationTerminated(ApplicationCallback callback) {
 }
 
 Subscription Workspace::onSessionResignedActive(Callback callback) {
-    return m_sessionResigned.subscribe(std::move(callback));
+    return m_session.resigned.subscribe(std::move(callback));
 }
 
 Subscription Workspace::onSessionBecameActive(Callback callback) {
-    return m_sessionBecameActive.subscribe(std::move(callback));
+    return m_session.becameActive.subscribe(std::move(callback));
 }
 
 Subscription Workspace::onScreensSlept(Callback callback) {
-    return m_screensSlept.subscribe(std::move(callback));
+    return m_session.slept.subscribe(std::move(callback));
 }
 
 Subscription Workspace::onScreensWoke(Callback callback) {
-    return m_screensWoke.subscribe(std::move(callback));
+    return m_session.woke.subscribe(std::move(callback));
 }
 
 void Workspace::handle(const xcb_generic_event_t& event) {

@@ -2,6 +2,7 @@
 
 #include "Async/TaskScope.h"
 #include "Desktop/Workspace.h"
+#include "Platform/Linux/Session/SessionSignals.h"
 #include "Platform/X11/TopLevelSelection.h"
 #include "Platform/X11/Workspace/ApplicationEnds.h"
 
@@ -13,12 +14,13 @@ namespace kestrove::x11 {
 /// Applications are processes that own windows. The one in front owns the window with the focus, as
 /// the window manager says, or without one the keyboard's focus.
 ///
-/// The lock of the session and the sleep of the screens are not X's to tell: those four
-/// subscriptions are accepted here and never called.
+/// The lock of the session and the sleep of the machine are not X's to tell: they come from whoever
+/// feeds `session`.
 class Workspace final : public kestrove::Workspace {
 public:
     /// All must outlive this.
-    Workspace(Connection& connection, DescriptorWatching& watching, Applications& applications);
+    Workspace(Connection& connection, DescriptorWatching& watching, Applications& applications,
+              SessionSignals& session);
 
     std::optional<RunningApplication> frontmostApplication() override;
     std::optional<RunningApplication> runningApplication(ProcessID process) override;
@@ -41,6 +43,7 @@ private:
     Connection& m_connection;
     DescriptorWatching& m_watching;
     Applications& m_applications;
+    SessionSignals& m_session;
     RootSelection m_root;
     /// Without a window manager only the windows themselves are told of the focus.
     TopLevelSelection m_focus;
@@ -53,10 +56,6 @@ private:
     bool m_isNobodyInFront = false;
     std::unique_ptr<ApplicationEnds> m_ends;
     Signal<RunningApplication> m_activated;
-    Signal<> m_sessionResigned;
-    Signal<> m_sessionBecameActive;
-    Signal<> m_screensSlept;
-    Signal<> m_screensWoke;
     Subscription m_events;
     Subscription m_opened;
     TaskScope m_tasks;

@@ -17,6 +17,7 @@ INSTANTIATE_TEST_SUITE_P(Desktop, ScreensContract, testing::Values(x11Desktop())
 INSTANTIATE_TEST_SUITE_P(Desktop, PointerContract, testing::Values(x11Desktop()), nameOf);
 INSTANTIATE_TEST_SUITE_P(Desktop, WindowServerContract, testing::Values(x11Desktop()), nameOf);
 INSTANTIATE_TEST_SUITE_P(Desktop, WorkspaceContract, testing::Values(x11Desktop()), nameOf);
+INSTANTIATE_TEST_SUITE_P(Desktop, SessionContract, testing::Values(x11Desktop()), nameOf);
 INSTANTIATE_TEST_SUITE_P(Desktop, ScreenCaptureContract, testing::Values(x11Desktop()), nameOf);
 INSTANTIATE_TEST_SUITE_P(Desktop, CaptureStreamContract, testing::Values(x11Desktop()), nameOf);
 INSTANTIATE_TEST_SUITE_P(Desktop, DisplayLayerContract, testing::Values(x11Desktop()), nameOf);
@@ -24,8 +25,6 @@ INSTANTIATE_TEST_SUITE_P(Desktop, HotKeysContract, testing::Values(x11Desktop())
 INSTANTIATE_TEST_SUITE_P(Desktop, ScreenRecordingAccessContract, testing::Values(x11Desktop()),
                          nameOf);
 
-// Nobody tells of locks and sleep on X itself.
-GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(SessionContract);
 // These are not X's.
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(UserDefaultsContract);
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(ApplicationContract);

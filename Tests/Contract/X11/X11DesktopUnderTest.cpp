@@ -61,7 +61,7 @@ X11DesktopUnderTest::X11DesktopUnderTest()
     , m_screens(*m_connection, m_layout)
     , m_pointer(*m_connection, m_layout, m_motion)
     , m_windowServer(*m_connection, m_layout)
-    , m_workspace(*m_connection, m_loop, m_applications)
+    , m_workspace(*m_connection, m_loop, m_applications, m_session)
     , m_access(*m_connection)
     , m_capture(*m_connection, m_layout, m_applications, m_motion)
     , m_hotKeys(*m_connection) {
@@ -70,6 +70,12 @@ X11DesktopUnderTest::X11DesktopUnderTest()
 }
 
 X11DesktopUnderTest::~X11DesktopUnderTest() = default;
+
+test::MockLogind& X11DesktopUnderTest::services() {
+    if (!m_servedSession)
+        m_servedSession = std::make_unique<test::ServedSession>(m_loop, m_loop, m_session);
+    return m_servedSession->logind;
+}
 
 std::unique_ptr<DisplayLayer> X11DesktopUnderTest::makeDisplayLayer() {
     return std::make_unique<x11::X11DisplayLayer>(*m_connection);

@@ -9,6 +9,7 @@
 #include "Platform/X11/WindowServer.h"
 #include "Platform/X11/Workspace/Workspace.h"
 #include "Tests/Contract/DesktopUnderTest.h"
+#include "Tests/Support/MessageBus/ServedSession.h"
 #include "Tests/Support/PollMainLoop/PollMainLoop.h"
 #include "Tests/Support/TestWindow/TestWindow.h"
 #include "Tests/Support/XServer/XDesktop.h"
@@ -57,6 +58,10 @@ public:
     void pressKey(std::uint32_t keyCode, std::uint32_t modifiers) override;
     void holdKey(std::uint32_t keyCode, std::uint32_t modifiers) override;
     void takeHotKeyByOtherProgram(std::uint32_t keyCode, std::uint32_t modifiers) override;
+    void lockSession() override { services().setLockedHint(true); }
+    void unlockSession() override { services().setLockedHint(false); }
+    void sleepScreens() override { services().sendPrepareForSleep(true); }
+    void wakeScreens() override { services().sendPrepareForSleep(false); }
     NativeViewHandle makeView(Size pixels) override;
     void destroyView(NativeViewHandle view) override;
     Color colorInView(NativeViewHandle view, Point pixel) override;
@@ -71,6 +76,8 @@ private:
         std::unique_ptr<test::TestWindow> window;
     };
 
+    /// The services of a session, on buses of their own, from the first question on.
+    test::MockLogind& services();
     void tellWindowManager(WindowID window, std::string_view type, std::uint32_t value);
 
     test::XDesktop m_desktop;
@@ -82,10 +89,12 @@ private:
     x11::Screens m_screens;
     x11::Pointer m_pointer;
     x11::WindowServer m_windowServer;
+    SessionSignals m_session;
     x11::Workspace m_workspace;
     x11::ScreenRecordingAccess m_access;
     x11::X11ScreenCapture m_capture;
     x11::X11HotKeys m_hotKeys;
+    std::unique_ptr<test::ServedSession> m_servedSession;
     std::map<ProcessID, Application> m_running;
     std::map<WindowID, OpenWindow> m_windows;
     std::map<NativeViewHandle, std::unique_ptr<test::TestWindow>> m_views;

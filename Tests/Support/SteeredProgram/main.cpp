@@ -69,7 +69,8 @@ int main(int argumentCount, char** arguments) {
     QtDescriptorWatching watching;
     const auto log = makeSystemLog("kestrove");
     FileUserDefaults defaults(FileUserDefaults::defaultFile("kestrove"));
-    const auto desktop = X11Desktop::open(loop, watching);
+    SessionSignals session;
+    const auto desktop = X11Desktop::open(loop, watching, session);
     if (!desktop)
         return 1;
     KestroveApp app({loop, *log, defaults, **desktop});

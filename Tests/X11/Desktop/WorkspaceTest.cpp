@@ -34,7 +34,8 @@ protected:
     }
 
     Applications applications{DesktopEntries({})};
-    Workspace workspace{*connection, loop, applications};
+    SessionSignals session;
+    Workspace workspace{*connection, loop, applications, session};
 };
 
 TEST_F(WorkspaceTest, KnowsTheApplicationsThatRun) {

@@ -35,7 +35,7 @@ SourcesFixture::SourcesFixture()
         sync(floor->connection());
     }
     server().movePointer(5, 5);
-    auto opened = X11Desktop::open(loop, watching);
+    auto opened = X11Desktop::open(loop, watching, session);
     if (!opened)
         giveUp(opened.error().description);
     x11Desktop = std::move(*opened);

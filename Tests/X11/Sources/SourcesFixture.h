@@ -77,6 +77,8 @@ protected:
     QtMainLoop events;
     SteppedMainLoop loop{events};
     QtDescriptorWatching watching;
+    /// What is told of the user's session; nobody tells anything by himself.
+    SessionSignals session;
     RecordingLog log;
     MemoryUserDefaults defaults;
     TestWindow leftFloor;
