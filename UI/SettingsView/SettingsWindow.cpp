@@ -19,6 +19,7 @@ namespace {
 /// Of the screen: so much is left for panels and the window's frame.
 constexpr double mostOfTheScreen = 0.9;
 constexpr int preferredWidth = 520;
+constexpr int linesInReserve = 5;
 
 /// A scrolling frame around the form, for screens that are too low for it. It remembers where the
 /// keyboard was when a recorder let it go, so that Tab goes on from there.
@@ -64,7 +65,9 @@ private:
             std::min(std::max(preferredWidth, view.minimumSizeHint().width()), room.width());
         const int height =
             view.hasHeightForWidth() ? view.heightForWidth(width) : view.sizeHint().height();
-        resize(width, std::min(height, room.height()));
+        // A failure has a line or two more to say.
+        const int more = linesInReserve * view.fontMetrics().lineSpacing();
+        resize(width, std::min(height + more, room.height()));
     }
 
     QPointer<QWidget> m_lastFocused;

@@ -104,6 +104,8 @@ void StatusLabel::render() {
     m_symbol.setPixmap(
         symbolPixmap(m_line->symbol, size, color, palette().color(QPalette::Window)));
     m_text.setText(qtText(m_line->text));
+    // Without a name of its own it would be read by the title of the section.
+    setAccessibleName(m_text.text());
     auto own = palette();
     own.setColor(QPalette::WindowText, color);
     m_text.setPalette(own);

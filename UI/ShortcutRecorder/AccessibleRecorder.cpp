@@ -28,10 +28,14 @@ public:
         }
     }
 
-    [[nodiscard]] QStringList actionNames() const override { return {pressAction()}; }
+    [[nodiscard]] QStringList actionNames() const override {
+        return QStringList(pressAction()) + QAccessibleWidget::actionNames();
+    }
     void doAction(const QString& actionName) override {
         if (actionName == pressAction())
             m_recorder.performPress();
+        else
+            QAccessibleWidget::doAction(actionName);
     }
 
 private:

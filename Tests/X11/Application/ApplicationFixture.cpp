@@ -29,9 +29,10 @@ void expectWithin(const std::function<bool()>& condition, std::string_view what)
 
 } // namespace
 
-ApplicationFixture::ApplicationFixture(WindowManager manager)
+ApplicationFixture::ApplicationFixture(WindowManager manager, SessionBus sessionBus)
     : desktop(XDesktop::Options{.monitors = {{"LEFT", leftPlace}, {"RIGHT", rightPlace}},
-                                .windowManager = manager})
+                                .windowManager = manager,
+                                .sessionBus = sessionBus})
     , left(desktop, leftPlace, WindowFill::pattern)
     , right(desktop, rightPlace, WindowFill::color) {
     left.paint({40, 400, 500, 90}, 0xffd02090);

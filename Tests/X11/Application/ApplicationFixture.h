@@ -19,7 +19,8 @@ namespace kestrove::test {
 /// left, where the output window opens in the middle.
 class ApplicationFixture : public testing::Test {
 protected:
-    explicit ApplicationFixture(WindowManager manager = WindowManager::openbox);
+    explicit ApplicationFixture(WindowManager manager = WindowManager::openbox,
+                                SessionBus sessionBus = SessionBus::none);
 
     static constexpr xcb_rectangle_t leftPlace{0, 0, 640, 512};
     static constexpr xcb_rectangle_t rightPlace{640, 0, 1280, 800};
