@@ -24,7 +24,7 @@ double luminance(QColor color) {
 }
 
 double contrast(QColor one, QColor other) {
-    const auto [low, high] = std::minmax(luminance(one), luminance(other));
+    const auto [low, high] = std::minmax({luminance(one), luminance(other)});
     return (high + 0.05) / (low + 0.05);
 }
 
