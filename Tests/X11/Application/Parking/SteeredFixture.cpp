@@ -162,9 +162,15 @@ testing::AssertionResult SteeredFixture::presents(const PaintedDisplay& display,
     PixelImage expected;
     int tolerance = 0;
     (void)waitUntil([&] {
-        if (!isOutputViewable())
+        // Nobody shall hide it or make it smaller between the questions.
+        xcb_grab_server(desktop.connection());
+        const bool isThere = isOutputViewable();
+        if (isThere)
+            shown = readPixels(desktop.connection(), window());
+        xcb_ungrab_server(desktop.connection());
+        sync(desktop.connection());
+        if (!isThere)
             return false;
-        shown = readPixels(desktop.connection(), window());
         expected = presentation(source, shown);
         const bool isScaled = shown.width != source.width || shown.height != source.height;
         tolerance = isScaled ? scalingTolerance : 0;
