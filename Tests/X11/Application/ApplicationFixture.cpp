@@ -143,7 +143,8 @@ PixelImage ApplicationFixture::output() const {
     xcb_grab_server(desktop.connection());
     const auto place = outputPlace();
     PixelImage image;
-    if (place.x >= 0 && place.y >= 0 && place.x + place.width <= rightPlace.x + rightPlace.width &&
+    if (isViewable(m_window) && place.x >= 0 && place.y >= 0 &&
+        place.x + place.width <= rightPlace.x + rightPlace.width &&
         place.y + place.height <= rightPlace.height) {
         image = readPixels(desktop.connection(), m_window);
     }

@@ -40,7 +40,7 @@ protected:
 
     /// Content of the output window, root pixels.
     [[nodiscard]] xcb_rectangle_t outputPlace() const;
-    /// What it shows now; empty while a part of it is off the screen.
+    /// What it shows now; empty while it is not shown, or a part of it is off the screen.
     [[nodiscard]] PixelImage output() const;
     [[nodiscard]] testing::AssertionResult shows(const PaintedDisplay& display,
                                                  std::string_view name);
