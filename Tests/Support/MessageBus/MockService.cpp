@@ -72,14 +72,16 @@ MockService::MockService(const PrivateBus& bus, DescriptorWatching& watching,
     demand(sd_bus_set_bus_client(m_bus, 1), "a client");
     demand(sd_bus_start(m_bus), "its start");
     demand(sd_bus_request_name(m_bus, name.c_str(), 0), "its name");
-    m_readable = watching.watchReadable(sd_bus_get_fd(m_bus), [this] {
-        int processed = 0;
-        do {
-            processed = sd_bus_process(m_bus, nullptr);
-        } while (processed > 0);
-        if (processed < 0) // the bus has gone
-            m_readable = {};
-    });
+    m_readable = watching.watchReadable(sd_bus_get_fd(m_bus), [this] { serve(); });
+}
+
+void MockService::serve() {
+    int processed = 0;
+    do {
+        processed = sd_bus_process(m_bus, nullptr);
+    } while (processed > 0);
+    if (processed < 0) // the bus has gone
+        m_readable = {};
 }
 
 MockService::~MockService() {
@@ -103,6 +105,7 @@ MockLogind::MockLogind(const PrivateBus& bus, DescriptorWatching& watching, Stat
     demand(sd_bus_add_object_vtable(this->bus(), nullptr, sessionPath, sessionInterface,
                                     sessionTable, &state),
            "the session");
+    serve();
 }
 
 void MockLogind::tellChanged(const char* property) {
@@ -148,6 +151,7 @@ MockScreenSaver::MockScreenSaver(const PrivateBus& bus, DescriptorWatching& watc
     demand(sd_bus_add_object_vtable(this->bus(), nullptr, m_path.c_str(), m_name.c_str(),
                                     screenSaverTable, this),
            "the screen saver");
+    serve();
 }
 
 void MockScreenSaver::setActive(bool active) {

@@ -21,6 +21,9 @@ public:
 
 protected:
     [[nodiscard]] sd_bus* bus() const { return m_bus; }
+    /// Answers what has come in the meantime. To be called when everything is offered that the
+    /// service has: what came during its making wakes nobody any more.
+    void serve();
     /// Sends what is queued.
     void flush() const;
 
