@@ -145,7 +145,7 @@ testing::AssertionResult SteeredFixture::returnsTo(const xcb_rectangle_t& place)
 xcb_rectangle_t SteeredFixture::settledPlace() const {
     auto place = outputPlace();
     int inARow = 0;
-    constexpr int enough = 40;
+    constexpr int enough = 150; // a window manager under load answers late
     (void)waitUntil([&] {
         const auto now = outputPlace();
         inARow = isSame(now, place) && isOutputViewable() ? inARow + 1 : 0;
