@@ -45,8 +45,9 @@ void append(std::string& entry, std::string_view field, std::string_view value) 
 
 } // namespace
 
-JournalLog::JournalLog(std::string identifier, std::string socketPath)
+JournalLog::JournalLog(std::string identifier, Echo echo, std::string socketPath)
     : m_identifier(std::move(identifier))
+    , m_echo(echo)
     , m_socketPath(std::move(socketPath))
     , m_socket(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0)) {}
 
@@ -71,7 +72,8 @@ void JournalLog::write(std::string_view subsystem, std::string_view category, Lo
     append(entry, "SUBSYSTEM", subsystem);
     if (!category.empty())
         append(entry, "CATEGORY", category);
-    if (!send(entry))
+    const bool isTaken = send(entry);
+    if (!isTaken || m_echo == Echo::toStandardError)
         m_standardError.write(subsystem, category, level, line);
 }
 
@@ -86,10 +88,10 @@ bool JournalLog::send(const std::string& entry) const {
     return sent == static_cast<ssize_t>(entry.size());
 }
 
-std::unique_ptr<SystemLog> makeSystemLog(std::string identifier) {
-    if (JournalLog::isStandardErrorConnected())
-        return std::make_unique<JournalLog>(std::move(identifier));
-    return std::make_unique<StandardErrorLog>();
+std::unique_ptr<SystemLog> makeSystemLog(std::string identifier, std::string socketPath) {
+    const auto echo = JournalLog::isStandardErrorConnected() ? JournalLog::Echo::no
+                                                             : JournalLog::Echo::toStandardError;
+    return std::make_unique<JournalLog>(std::move(identifier), echo, std::move(socketPath));
 }
 
 } // namespace kestrove

@@ -15,8 +15,13 @@ namespace kestrove {
 /// Thread: any.
 class JournalLog final : public SystemLog {
 public:
+    enum class Echo {
+        no,
+        /// Each line goes to standard error as well: to a terminal, or to the file of a session.
+        toStandardError,
+    };
     /// `identifier` names the program in the journal. `socketPath` is where the journal listens.
-    explicit JournalLog(std::string identifier,
+    explicit JournalLog(std::string identifier, Echo echo = Echo::no,
                         std::string socketPath = "/run/systemd/journal/socket");
     ~JournalLog() override;
 
@@ -30,12 +35,14 @@ private:
     [[nodiscard]] bool send(const std::string& entry) const;
 
     std::string m_identifier;
+    Echo m_echo;
     std::string m_socketPath;
     int m_socket;
     StandardErrorLog m_standardError;
 };
 
-/// The journal when standard error leads there, else standard error.
-[[nodiscard]] std::unique_ptr<SystemLog> makeSystemLog(std::string identifier);
+/// The journal, where there is one, and standard error, unless that leads into the journal itself.
+[[nodiscard]] std::unique_ptr<SystemLog>
+makeSystemLog(std::string identifier, std::string socketPath = "/run/systemd/journal/socket");
 
 } // namespace kestrove

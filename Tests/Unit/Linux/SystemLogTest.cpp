@@ -45,7 +45,7 @@ private:
 TEST(JournalLog, SendsTheLineWithItsAreaAsFields) {
     const test::TemporaryFolder folder;
     const Journal journal(folder.path() / "socket");
-    JournalLog log("kestrove", folder.path() / "socket");
+    JournalLog log("kestrove", JournalLog::Echo::no, folder.path() / "socket");
     log.write("an.example", "capture-stream", LogLevel::error, "画面 =1");
     EXPECT_EQ(journal.entry(), "MESSAGE=画面 =1\nPRIORITY=3\nSYSLOG_IDENTIFIER=kestrove\n"
                                "SUBSYSTEM=an.example\nCATEGORY=capture-stream\n");
@@ -57,7 +57,7 @@ TEST(JournalLog, SendsTheLineWithItsAreaAsFields) {
 TEST(JournalLog, LetsNoLineBreakForgeAField) {
     const test::TemporaryFolder folder;
     const Journal journal(folder.path() / "socket");
-    JournalLog log("kestrove", folder.path() / "socket");
+    JournalLog log("kestrove", JournalLog::Echo::no, folder.path() / "socket");
     log.write("an.example", "", LogLevel::info, "a\nb=c");
     const std::string length("\x05\0\0\0\0\0\0\0", 8);
     EXPECT_EQ(journal.entry(), "MESSAGE\n" + length +
@@ -67,7 +67,7 @@ TEST(JournalLog, LetsNoLineBreakForgeAField) {
 
 TEST(JournalLog, FallsBackToStandardErrorWhenNobodyListens) {
     const test::TemporaryFolder folder;
-    JournalLog log("kestrove", folder.path() / "nobody");
+    JournalLog log("kestrove", JournalLog::Echo::no, folder.path() / "nobody");
     testing::internal::CaptureStderr();
     log.write("an.example", "capture-stream", LogLevel::error, "line");
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "capture-stream: error: line\n");
@@ -83,15 +83,36 @@ TEST(StandardErrorLog, WritesOneLineEach) {
               "[kestrove] hello\nsource-resolution: first\nsource-resolution: debug: second\n");
 }
 
-TEST(SystemLog, GoesToTheJournalOnlyWhenStandardErrorDoes) {
+/// What a line leaves on standard error when the journal is to be at `socketPath`.
+std::string standardErrorOf(const std::string& socketPath) {
+    testing::internal::CaptureStderr();
+    makeSystemLog("kestrove", socketPath)->write("an.example", "", LogLevel::standard, "line");
+    return testing::internal::GetCapturedStderr();
+}
+
+TEST(SystemLog, GoesToTheJournalAndToStandardErrorUnlessThatIsTheJournal) {
+    const test::TemporaryFolder folder;
+    const Journal journal(folder.path() / "socket");
+    const std::string entry =
+        "MESSAGE=line\nPRIORITY=5\nSYSLOG_IDENTIFIER=kestrove\nSUBSYSTEM=an.example\n";
+    ::setenv("JOURNAL_STREAM", "0:0", 1);
+    EXPECT_EQ(standardErrorOf(folder.path() / "socket"), "line\n");
+    EXPECT_EQ(journal.entry(), entry);
+
     struct stat status{};
     ASSERT_EQ(::fstat(STDERR_FILENO, &status), 0);
     ::setenv("JOURNAL_STREAM", fmt::format("{}:{}", status.st_dev, status.st_ino).c_str(), 1);
-    EXPECT_NE(dynamic_cast<JournalLog*>(makeSystemLog("kestrove").get()), nullptr);
-    ::setenv("JOURNAL_STREAM", "0:0", 1);
-    EXPECT_NE(dynamic_cast<StandardErrorLog*>(makeSystemLog("kestrove").get()), nullptr);
+    const auto log = makeSystemLog("kestrove", folder.path() / "socket");
+    testing::internal::CaptureStderr();
+    log->write("an.example", "", LogLevel::standard, "line");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(journal.entry(), entry);
     ::unsetenv("JOURNAL_STREAM");
-    EXPECT_NE(dynamic_cast<StandardErrorLog*>(makeSystemLog("kestrove").get()), nullptr);
+}
+
+TEST(SystemLog, GoesToStandardErrorOnceWhereThereIsNoJournal) {
+    const test::TemporaryFolder folder;
+    EXPECT_EQ(standardErrorOf(folder.path() / "nobody"), "line\n");
 }
 
 } // namespace
