@@ -30,7 +30,7 @@ protected:
     [[nodiscard]] xcb_window_t focused() const {
         const Reply reply(xcb_get_input_focus_reply(
             desktop.connection(), xcb_get_input_focus(desktop.connection()), nullptr));
-        return reply ? reply->focus : XCB_WINDOW_NONE;
+        return reply ? reply->focus : xcb_window_t{XCB_WINDOW_NONE};
     }
     void press(const std::vector<xcb_keycode_t>& keys) {
         pressTogether(desktop.connection(), keys);
@@ -62,16 +62,16 @@ protected:
 
     /// Whether nobody has the whole keyboard, as a recorder has until its key is let go.
     [[nodiscard]] bool isKeyboardFree() const {
-        auto* const server = desktop.connection();
-        const Reply reply(
-            xcb_grab_keyboard_reply(server,
-                                    xcb_grab_keyboard(server, 0, desktop.root(), XCB_CURRENT_TIME,
-                                                      XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
-                                    nullptr));
+        auto* const connection = desktop.connection();
+        const Reply reply(xcb_grab_keyboard_reply(
+            connection,
+            xcb_grab_keyboard(connection, 0, desktop.root(), XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC,
+                              XCB_GRAB_MODE_ASYNC),
+            nullptr));
         const bool isFree = reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
         if (isFree)
-            xcb_ungrab_keyboard(server, XCB_CURRENT_TIME);
-        sync(server);
+            xcb_ungrab_keyboard(connection, XCB_CURRENT_TIME);
+        sync(connection);
         return isFree;
     }
     /// In the recorder that has the focus; `begin` is the key that starts it.

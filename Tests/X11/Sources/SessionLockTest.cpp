@@ -79,6 +79,8 @@ TEST_P(SessionLock, KeepsAWindowThatIsClosedMeanwhileUntilTheUserIsBack) {
 }
 
 TEST_P(SessionLock, SaysThatTheSharedWindowIsGoneAndGoesOnByHand) {
+    // Closing the focused window would give the focus to ours, which says that the user is back.
+    const auto other = startProgram("other", {800, 500, 200, 150}, 0xffffffff);
     goAway();
     red.window->destroy();
     EXPECT_TRUE(
@@ -103,7 +105,7 @@ INSTANTIATE_TEST_SUITE_P(
                          [](auto& session) { session.logind.setActive(true); }},
                     Lock{"ScreenSaver", [](auto& session) { session.screenSaver.setActive(true); },
                          [](auto& session) { session.screenSaver.setActive(false); }}),
-    [](const auto& info) { return info.param.name; });
+    [](const auto& tested) { return tested.param.name; });
 
 class SessionSleep : public SessionLock {};
 
@@ -128,7 +130,7 @@ INSTANTIATE_TEST_SUITE_P(
     Told, SessionSleep,
     testing::Values(Lock{"ScreenSaver", [](auto& session) { session.screenSaver.setActive(true); },
                          [](auto& session) { session.screenSaver.setActive(false); }}),
-    [](const auto& info) { return info.param.name; });
+    [](const auto& tested) { return tested.param.name; });
 
 } // namespace
 } // namespace kestrove::test

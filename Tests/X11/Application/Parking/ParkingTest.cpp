@@ -31,7 +31,7 @@ INSTANTIATE_TEST_SUITE_P(Desks, Parking, testing::ValuesIn(everyDesk()),
 TEST_P(Parking, GoesOnLiveUnderTheSameIdentifierAndComesBackToThePixel) {
     share(onlyDisplay("RIGHT"));
     ASSERT_TRUE(presents(right, "shown"));
-    const auto place = settledPlace();
+    const auto place = placeToComeBackTo();
     for (int time = 0; time < 2; ++time) {
         ASSERT_TRUE(parks());
         EXPECT_EQ(outputPlace().width, place.width);
@@ -82,7 +82,7 @@ TEST_P(Parking, ComesBackToTheDisplayThatIsLeft) {
 TEST_P(Parking, ShowsAMinimisedWindowToThoseWhoCaptureIt) {
     share(onlyDisplay("RIGHT"));
     ASSERT_TRUE(presents(right, "shown"));
-    const auto place = settledPlace();
+    const auto place = placeToComeBackTo();
     minimise();
     ASSERT_TRUE(parks());
     EXPECT_TRUE(isLive(right, "parked"));

@@ -155,6 +155,14 @@ xcb_rectangle_t SteeredFixture::settledPlace() const {
     return place;
 }
 
+xcb_rectangle_t SteeredFixture::placeToComeBackTo() {
+    (void)settledPlace();
+    EXPECT_TRUE(parks());
+    tell("unhide");
+    EXPECT_TRUE(waitUntil([this] { return isOutputViewable() && !isParked(); }));
+    return settledPlace();
+}
+
 testing::AssertionResult SteeredFixture::presents(const PaintedDisplay& display,
                                                   std::string_view name) const {
     const auto source = display.picture();

@@ -35,6 +35,9 @@ protected:
     [[nodiscard]] testing::AssertionResult returnsTo(const xcb_rectangle_t& place);
     /// Where it is once it stays where it is.
     [[nodiscard]] xcb_rectangle_t settledPlace() const;
+    /// The same, after it has come back once. A window manager that was late at the start may have
+    /// left it as large as the display; what comes back keeps clear of the edges.
+    [[nodiscard]] xcb_rectangle_t placeToComeBackTo();
     [[nodiscard]] bool isOutputViewable() const;
     /// As the user's hand does, so that most of it lies on the right display.
     void moveOutputToTheRight();
