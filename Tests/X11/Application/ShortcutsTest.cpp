@@ -1,3 +1,4 @@
+#include "Tests/Support/PixelReader/PixelReader.h"
 #include "Tests/Support/Processes/FileContent.h"
 #include "Tests/Support/Processes/Waiting.h"
 #include "Tests/Support/TestWindow/TestWindow.h"
@@ -60,26 +61,24 @@ protected:
             press({Keys::tab});
     }
 
-    /// Whether nobody has the whole keyboard, as a recorder has until its key is let go.
-    [[nodiscard]] bool isKeyboardFree() const {
-        auto* const connection = desktop.connection();
-        const Reply reply(xcb_grab_keyboard_reply(
-            connection,
-            xcb_grab_keyboard(connection, 0, desktop.root(), XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC,
-                              XCB_GRAB_MODE_ASYNC),
-            nullptr));
-        const bool isFree = reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
-        if (isFree)
-            xcb_ungrab_keyboard(connection, XCB_CURRENT_TIME);
-        sync(connection);
-        return isFree;
-    }
-    /// In the recorder that has the focus; `begin` is the key that starts it.
+    /// In the recorder that has the focus; `begin` is the key that starts it. It shows when it
+    /// records: asking for its grab of the keyboard would take the keyboard away from it.
     void record(xcb_keycode_t begin, const std::vector<xcb_keycode_t>& keys) {
+        const auto settingsWindow = focused();
+        auto last = readPixels(desktop.connection(), settingsWindow);
+        const auto changes = [&] {
+            const auto before = last;
+            last = readPixels(desktop.connection(), settingsWindow);
+            return !areAlike(last, before, 0);
+        };
+        // The focus has come to rest where the keys have led it.
+        int inARow = 0;
+        constexpr int enough = 20;
+        ASSERT_TRUE(waitUntil([&] { return (inARow = changes() ? 0 : inARow + 1) >= enough; }));
         press({begin});
-        ASSERT_TRUE(waitUntil([this] { return !isKeyboardFree(); })) << "it does not record";
+        ASSERT_TRUE(waitUntil(changes)) << "it does not record";
         press(keys);
-        ASSERT_TRUE(waitUntil([this] { return isKeyboardFree(); })) << "it goes on recording";
+        ASSERT_TRUE(waitUntil(changes)) << "it goes on recording";
     }
 
     std::optional<TestWindow> other;
