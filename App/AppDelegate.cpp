@@ -6,19 +6,25 @@ namespace kestrove {
 
 AppDelegate::AppDelegate(Application& application, AppSettings& settings, AppController& controller,
                          OutputWindowControlling& outputWindow,
-                         OutputContentControlling& outputContent, std::function<bool()> hasTray)
+                         OutputContentControlling& outputContent,
+                         ActiveSourceOverlayControlling& activeOverlay,
+                         std::function<bool()> hasTray)
     : m_application(application)
     , m_settings(settings)
     , m_controller(controller)
     , m_outputWindow(outputWindow)
     , m_outputContent(outputContent)
+    , m_activeOverlay(activeOverlay)
     , m_hasTray(std::move(hasTray)) {
     // Back from the system's settings, perhaps: an idle session shows what has become of the
     // permission.
     m_becameActive =
         application.onBecameActive([this] { m_controller.refreshIdlePermissionState(); });
-    // The stopped engine has left an empty, black output: the call should see that this is meant.
+    // What the user ends looks ended: nothing is marked from the order on, and the call sees that
+    // the empty output which the stopped engine has left is meant.
     m_sessionState = controller.sessionState().subscribe([this](const CaptureSessionState& state) {
+        if (state == CaptureSessionState::stopping())
+            m_activeOverlay.hide();
         if (state == CaptureSessionState::stopped())
             m_outputContent.setContentView(nullptr);
     });

@@ -18,7 +18,7 @@ public:
     /// `hasTray` says whether there is a tray now, with our icon in it.
     AppDelegate(Application& application, AppSettings& settings, AppController& controller,
                 OutputWindowControlling& outputWindow, OutputContentControlling& outputContent,
-                std::function<bool()> hasTray);
+                ActiveSourceOverlayControlling& activeOverlay, std::function<bool()> hasTray);
 
     /// The main loop runs from now on: shows the application and, when the user wants that, starts
     /// to share.
@@ -41,6 +41,7 @@ private:
     AppController& m_controller;
     OutputWindowControlling& m_outputWindow;
     OutputContentControlling& m_outputContent;
+    ActiveSourceOverlayControlling& m_activeOverlay;
     std::function<bool()> m_hasTray;
     Subscription m_becameActive;
     Subscription m_sessionState;

@@ -5,15 +5,21 @@
 #include "Platform/Qt/QtAnnouncement.h"
 #include "Platform/X11/Capture/X11DisplayLayer.h"
 #include "Platform/X11/HotKeys/PhysicalKeys.h"
+#include "Platform/X11/WindowChanges.h"
 #include "UI/Alerts/RunModalAlert.h"
 #include "UI/OutputWindow/QtOutputWindow.h"
 #include "Util/ScreenGeometry.h"
 
+#include <QGuiApplication>
+#include <QScreen>
 #include <QWindow>
 
+#include <algorithm>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <unistd.h>
 #include <utility>
 
 namespace kestrove {
@@ -55,6 +61,24 @@ std::unique_ptr<HotKeyRegistrar> hotKeyRegistrar(KestroveGround ground) {
                                                     ground.log, KestroveApp::bundleIdentifier);
 }
 
+/// What the user's desktop enlarges texts by: X itself has no scale, and the toolkit's is off.
+double pixelsPerPoint() {
+    constexpr double ordinaryDotsPerInch = 96;
+    const auto* const screen = QGuiApplication::primaryScreen();
+    return screen ? std::max(1.0, screen->logicalDotsPerInch() / ordinaryDotsPerInch) : 1;
+}
+
+ActiveSourceOverlaySurroundings overlaySurroundings(KestroveGround ground) {
+    return {.mainLoop = ground.loop,
+            .windowServer = ground.desktop.windowServer(),
+            .screens = ground.desktop.screens(),
+            .currentProcess = getpid(),
+            .onWindowsChanged = [&connection =
+                                     ground.desktop.connection()](std::function<void()> callback) {
+                return x11::watchWindowChanges(connection, std::move(callback));
+            }};
+}
+
 } // namespace
 
 KestroveApp::KestroveApp(KestroveGround ground)
@@ -75,10 +99,12 @@ KestroveApp::KestroveApp(KestroveGround ground)
     , m_outputWindow(m_containerView,
                      {m_settings.alwaysOnTop.get(), m_settings.hideOutputWindow.get()},
                      windowPlatform(ground))
+    , m_activeOverlay(ground.desktop.makeOverlayWindow(pixelsPerPoint()),
+                      overlaySurroundings(ground))
     , m_globalShortcuts(hotKeyRegistrar(ground), ground.log, bundleIdentifier)
     , m_controller(collaborators(ground))
     , m_appDelegate(m_application, m_settings, m_controller, m_outputWindow, m_outputContainer,
-                    TrayIcon::hasTray)
+                    m_activeOverlay, TrayIcon::hasTray)
     , m_settingsWindow(settingsCollaborators(ground),
                        [activate = ground.desktop.windowRequests().activate](QWidget& window) {
                            activate(window.winId());
@@ -117,7 +143,7 @@ AppControllerCollaborators KestroveApp::collaborators(KestroveGround ground) {
         .sourceResolver = m_sourceResolver,
         .outputContainer = m_outputContainer,
         .outputWindow = m_outputWindow,
-        .activeOverlay = nullptr,
+        .activeOverlay = &m_activeOverlay,
         .sourceLister = m_sourceLister,
         .windowExistenceChecker = m_existenceChecker,
         .sessionLockState = m_lockMonitor,

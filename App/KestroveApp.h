@@ -11,6 +11,7 @@
 #include "Core/SourceLister/WindowServerExistenceChecker.h"
 #include "Core/SourceLister/WorkspaceSessionLockMonitor.h"
 #include "Platform/Qt/QtApplication.h"
+#include "UI/ActiveSourceOverlay/ActiveSourceOverlay.h"
 #include "UI/Composer/OutputContainer.h"
 #include "UI/Composer/OutputContainerWidget.h"
 #include "UI/MenuBarView/MenuBarView.h"
@@ -76,6 +77,7 @@ private:
     OutputContainerWidget m_containerView;
     OutputContainer m_outputContainer;
     OutputWindowController m_outputWindow;
+    ActiveSourceOverlay m_activeOverlay;
 
     GlobalShortcuts m_globalShortcuts;
     AppController m_controller;

@@ -1,5 +1,7 @@
 #include "App/X11Desktop/X11Desktop.h"
 
+#include "Platform/X11/Overlay/OverlayWindow.h"
+
 #include <QGuiApplication>
 
 #include <utility>
@@ -38,6 +40,12 @@ X11Desktop::X11Desktop(std::unique_ptr<x11::Connection> connection, DescriptorWa
     , m_hotKeys(*m_connection)
     , m_keyTexts(*m_connection)
     , m_recordingAccess(*m_connection) {}
+
+std::unique_ptr<OverlayWindow> X11Desktop::makeOverlayWindow(double pixelsPerPoint) {
+    auto window = std::make_unique<x11::OverlayWindow>(*m_connection, m_monitors, pixelsPerPoint);
+    m_screenCapture.neverCapture(static_cast<xcb_window_t>(window->windowNumber()));
+    return window;
+}
 
 NativeWindowRequests X11Desktop::windowRequests() {
     NativeWindowRequests requests;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Desktop/OverlayWindow.h"
 #include "Platform/X11/Capture/X11ScreenCapture.h"
 #include "Platform/X11/Connection.h"
 #include "Platform/X11/HotKeys/KeyTexts.h"
@@ -38,6 +39,9 @@ public:
     [[nodiscard]] HotKeys& hotKeys() { return m_hotKeys; }
     [[nodiscard]] const x11::KeyTexts& keyTexts() const { return m_keyTexts; }
     [[nodiscard]] ScreenRecordingAccess& recordingAccess() { return m_recordingAccess; }
+
+    /// On no capture of this desktop. Not to be used after this object, like all that it gives.
+    [[nodiscard]] std::unique_ptr<OverlayWindow> makeOverlayWindow(double pixelsPerPoint);
 
     /// Not to be used after this object.
     [[nodiscard]] NativeWindowRequests windowRequests();

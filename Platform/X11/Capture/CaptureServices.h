@@ -7,16 +7,21 @@
 #include "Platform/X11/RawMotion.h"
 
 #include <memory>
+#include <utility>
+#include <vector>
+#include <xcb/xcb.h>
 
 namespace kestrove::x11 {
 
 /// What all captures share: made for the first stream, kept by the streams. It belongs to the
 /// connection to the server that it was made on.
 struct CaptureServices {
-    CaptureServices(Connection& connection, RawMotion& motion)
+    CaptureServices(Connection& connection, RawMotion& motion,
+                    std::vector<xcb_window_t> windowsNeverCaptured)
         : formats(connection)
         , stack(connection)
         , cursor(connection, formats, motion)
+        , neverCaptured(std::move(windowsNeverCaptured))
         , m_lifetime(connection.lifetime()) {}
 
     /// Whether that connection still is.
@@ -25,6 +30,8 @@ struct CaptureServices {
     PictureFormats formats;
     WindowStack stack;
     CursorTracker cursor;
+    /// Left out of every display, whatever its filter says.
+    std::vector<xcb_window_t> neverCaptured;
 
 private:
     std::weak_ptr<const void> m_lifetime;

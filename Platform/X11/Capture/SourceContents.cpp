@@ -3,6 +3,8 @@
 #include "Platform/X11/Capture/DisplayContent.h"
 #include "Platform/X11/Capture/WindowContent.h"
 
+#include <utility>
+
 namespace kestrove::x11 {
 
 std::expected<std::unique_ptr<SourceContent>, PlatformError>
@@ -18,8 +20,10 @@ openSourceContent(Connection& connection, const MonitorLayout& monitors, Capture
     const auto* const monitor = monitors.find(display.displayID);
     if (!monitor)
         return std::unexpected(displayGone());
+    auto excluded = display.excludedWindows;
+    excluded.insert(excluded.end(), services.neverCaptured.begin(), services.neverCaptured.end());
     return std::make_unique<DisplayContent>(connection, services, monitor->rectangle,
-                                            display.excludedWindows);
+                                            std::move(excluded));
 }
 
 PlatformError displayGone() {

@@ -60,7 +60,7 @@ X11ScreenCapture::shareableContent(DesktopWindows desktopWindows, WindowsListed 
 std::shared_ptr<CaptureServices> X11ScreenCapture::services() {
     auto services = m_services.lock();
     if (!services || !services->isCurrent()) {
-        services = std::make_shared<CaptureServices>(m_connection, m_motion);
+        services = std::make_shared<CaptureServices>(m_connection, m_motion, m_neverCaptured);
         m_services = services;
     }
     return services;

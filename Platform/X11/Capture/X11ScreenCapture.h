@@ -8,6 +8,8 @@
 #include "Platform/X11/WindowIdentity/Applications.h"
 
 #include <memory>
+#include <vector>
+#include <xcb/xcb.h>
 
 namespace kestrove::x11 {
 
@@ -19,6 +21,10 @@ class X11ScreenCapture final : public ScreenCapture {
 public:
     X11ScreenCapture(Connection& connection, MonitorLayout& monitors, Applications& applications,
                      RawMotion& motion);
+
+    /// From now on this window of ours is on no picture of a display, whatever its filter says,
+    /// also when it is shown only later. Called before the first stream is made.
+    void neverCapture(xcb_window_t window) { m_neverCaptured.push_back(window); }
 
     Task<std::expected<ShareableContent, PlatformError>>
     shareableContent(DesktopWindows desktopWindows, WindowsListed windowsListed) override;
@@ -38,6 +44,7 @@ private:
     MonitorLayout& m_monitors;
     Applications& m_applications;
     RawMotion& m_motion;
+    std::vector<xcb_window_t> m_neverCaptured;
     /// Kept by the streams, so that nothing is followed while nothing is captured.
     std::weak_ptr<CaptureServices> m_services;
 };

@@ -21,6 +21,10 @@ Rect Coordinates::screenRect(const Rect& root) const {
     return {root.x - m_mainLeft, m_mainBottom - root.maxY(), root.width, root.height};
 }
 
+Rect Coordinates::rootRect(const Rect& screen) const {
+    return {screen.x + m_mainLeft, m_mainBottom - screen.maxY(), screen.width, screen.height};
+}
+
 Point Coordinates::screenPoint(int rootX, int rootY) const {
     return {rootX - m_mainLeft, m_mainBottom - rootY - 1};
 }

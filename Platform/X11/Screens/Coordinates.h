@@ -20,6 +20,8 @@ public:
 
     [[nodiscard]] Rect windowServerRect(const Rect& root) const;
     [[nodiscard]] Rect screenRect(const Rect& root) const;
+    /// Back from screen coordinates.
+    [[nodiscard]] Rect rootRect(const Rect& screen) const;
     /// Where the pixel is, not its upper edge: the topmost row still lies inside the screen, whose
     /// upper edge does not belong to it.
     [[nodiscard]] Point screenPoint(int rootX, int rootY) const;

@@ -9,7 +9,7 @@ namespace {
 
 class OutputOnTop : public SourcesFixture {
 protected:
-    [[nodiscard]] WindowID output() { return *controller().selfCaptureWindowIDs().begin(); }
+    [[nodiscard]] WindowID output() { return app->outputWindow().windowID().value_or(0); }
     [[nodiscard]] static bool isAbove(xcb_window_t window) {
         const Reply states(xcb_get_property_reply(
             desktop().connection(),

@@ -172,18 +172,17 @@ testing::AssertionResult SourcesFixture::shows(Color color) {
 }
 
 Color SourcesFixture::colorNow() const {
-    for (const auto window : app->controller().selfCaptureWindowIDs()) {
-        const Reply size(xcb_get_geometry_reply(
-            desktop().connection(), xcb_get_geometry(desktop().connection(), window), nullptr));
-        const auto middle = [](std::uint16_t length) {
-            return static_cast<std::int16_t>(length / 2);
-        };
-        if (size)
-            return readPixels(desktop().connection(), window,
-                              {middle(size->width), middle(size->height), 1, 1})
-                .pixel(0, 0);
-    }
-    return 0;
+    const auto window = app->outputWindow().windowID();
+    if (!window)
+        return 0;
+    const Reply size(xcb_get_geometry_reply(
+        desktop().connection(), xcb_get_geometry(desktop().connection(), *window), nullptr));
+    if (!size)
+        return 0;
+    const auto middle = [](std::uint16_t length) { return static_cast<std::int16_t>(length / 2); };
+    return readPixels(desktop().connection(), *window,
+                      {middle(size->width), middle(size->height), 1, 1})
+        .pixel(0, 0);
 }
 
 } // namespace kestrove::test
