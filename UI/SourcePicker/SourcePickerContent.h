@@ -1,0 +1,79 @@
+#pragma once
+
+#include "Core/Settings/FollowMode.h"
+#include "UI/SourcePicker/SourcePreview.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace kestrove {
+
+/// Everything that the picker's content depends on.
+struct SourcePickerState {
+    std::vector<SourcePreview> displays = {};
+    std::vector<SourcePreview> windows = {};
+    bool isLoading = false;
+    FollowMode followMode = FollowMode::mouse;
+    std::vector<CaptureSource> manualSources = {};
+    std::optional<CaptureSource> activeSource = std::nullopt;
+
+    /// Ticked: picked by the user, and picks count in this follow mode. The saved picks of another
+    /// mode are not what is shared.
+    [[nodiscard]] bool isSelected(CaptureSource source) const;
+    /// Shown in the output now.
+    [[nodiscard]] bool isLive(CaptureSource source) const;
+};
+
+struct SourceTileContent {
+    SourcePreview preview;
+    bool isSelected = false;
+    bool isLive = false;
+
+    /// What a screen reader says after the title: the subtitle, and whether the source is live.
+    [[nodiscard]] std::string accessibleDescription() const;
+
+    bool operator==(const SourceTileContent&) const = default;
+};
+
+struct SourcePickerSection {
+    std::string title;
+    std::vector<SourceTileContent> tiles;
+
+    bool operator==(const SourcePickerSection&) const = default;
+};
+
+struct SourcePickerEmptyState {
+    std::string symbol;
+    std::string text;
+
+    bool operator==(const SourcePickerEmptyState&) const = default;
+};
+
+/// The whole picker, from top to bottom, as values.
+struct SourcePickerContent {
+    std::string title;
+    std::string caption;
+    std::string selectionCount;
+    std::string refreshLabel;
+    std::string refreshSymbol;
+    /// Thumbnails are still to come.
+    bool isLoading = false;
+    /// Stands where the sections would be.
+    std::optional<SourcePickerEmptyState> emptyState;
+    std::vector<SourcePickerSection> sections;
+
+    bool operator==(const SourcePickerContent&) const = default;
+};
+
+namespace SourcePickerTexts {
+
+inline constexpr const char* windowTitle = "kestrove — ソース選択";
+inline constexpr const char* liveBadge = "LIVE";
+inline constexpr const char* loading = "ソースを読み込んでいます…";
+
+} // namespace SourcePickerTexts
+
+[[nodiscard]] SourcePickerContent sourcePickerContent(const SourcePickerState& state);
+
+} // namespace kestrove
