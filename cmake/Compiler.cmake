@@ -22,6 +22,12 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
                         -Wno-dangling-pointer -Wno-subobject-linkage)
 endif()
 
+# What users run is hardened as Debian's programs are: overflows of buffers end it, and its tables
+# of functions are read-only. It names only those libraries that it calls.
+add_compile_options($<$<CONFIG:Release>:-U_FORTIFY_SOURCE> $<$<CONFIG:Release>:-D_FORTIFY_SOURCE=2>
+                    $<$<CONFIG:Release>:-fstack-protector-strong>)
+add_link_options($<$<CONFIG:Release>:-Wl,-z,relro,-z,now,--as-needed>)
+
 # address,undefined or thread; the presets asan and tsan set it.
 set(KESTROVE_SANITIZERS "" CACHE STRING "Sanitizers to build with, separated by commas")
 if(KESTROVE_SANITIZERS)

@@ -8,6 +8,7 @@
 #include "Platform/Qt/QtDescriptorWatching.h"
 #include "Platform/Qt/QtMainLoop.h"
 #include "Platform/X11/WindowManagerRequests.h"
+#include "UI/Icons/SymbolIcon.h"
 
 #include <QApplication>
 
@@ -52,6 +53,8 @@ int main(int argumentCount, char** arguments) {
     QGuiApplication::setDesktopFileName(KestroveApp::bundleIdentifier);
     const QApplication qt(argumentCount, arguments);
     QApplication::setQuitOnLastWindowClosed(false);
+    // Window managers without icon themes show this one; it is the one that is installed, too.
+    QApplication::setWindowIcon(symbolIcon("Kestrove"));
 
     QtMainLoop loop(
         [](std::string label) { return std::make_shared<ThreadSerialQueue>(std::move(label)); });
