@@ -41,6 +41,11 @@ void AppDelegate::applicationDidFinishLaunching() {
         m_controller.start();
 }
 
+void AppDelegate::applicationStartedAgain() {
+    m_outputWindow.show();
+    m_application.activateIgnoringOtherApps();
+}
+
 void AppDelegate::outputWindowClosed() {
     if (!m_hasTray())
         terminate();

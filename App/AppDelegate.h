@@ -24,6 +24,10 @@ public:
     /// to share.
     void applicationDidFinishLaunching();
 
+    /// The user has started the application while it runs: what there is to see of it comes to the
+    /// front.
+    void applicationStartedAgain();
+
     /// With a place in the tray the application stays, and what the window shows is only out of
     /// sight. Without one, that would leave a program behind that nobody sees and that goes on
     /// capturing, so it ends with its window.

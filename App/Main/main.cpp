@@ -7,11 +7,13 @@
 #include "Platform/Linux/ThreadSerialQueue.h"
 #include "Platform/Qt/QtDescriptorWatching.h"
 #include "Platform/Qt/QtMainLoop.h"
+#include "Platform/X11/SingleInstance.h"
 #include "Platform/X11/WindowManagerRequests.h"
 #include "UI/Icons/SymbolIcon.h"
 
 #include <QApplication>
 
+#include <chrono>
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -25,6 +27,14 @@ constexpr const char* programName = "kestrove";
 int fail(const std::string& reason) {
     std::fprintf(stderr, "%s: Xサーバーに接続できないため起動できません (%s)\n", programName,
                  reason.c_str());
+    return 1;
+}
+
+/// Of a first instance that is just starting on a busy machine; it answers when it is ready.
+constexpr std::chrono::seconds patienceWithFirstInstance{10};
+
+int failWithoutAnswer() {
+    std::fprintf(stderr, "%s: すでに起動しているKestroveが応答しません\n", programName);
     return 1;
 }
 
@@ -47,6 +57,15 @@ int main(int argumentCount, char** arguments) {
     // Before Qt, which ends the process without a word of ours when there is no server.
     if (const auto reason = x11::whyUnreachable())
         return fail(*reason);
+    x11::SingleInstance instance(KestroveApp::bundleIdentifier);
+    switch (instance.claim(patienceWithFirstInstance)) {
+    case x11::InstanceClaim::first:
+        break;
+    case x11::InstanceClaim::handedOver:
+        return 0;
+    case x11::InstanceClaim::unanswered:
+        return failWithoutAnswer();
+    }
     prepareQt();
     // Becomes the class of our windows, by which desktops join them to the application.
     QCoreApplication::setApplicationName(KestroveApp::bundleIdentifier);
@@ -72,5 +91,8 @@ int main(int argumentCount, char** arguments) {
     KestroveApp app({loop, *log, defaults, **desktop});
     const TerminationSignals signals(watching, [&app] { app.delegate().terminate(); });
     loop.post([&app] { app.delegate().applicationDidFinishLaunching(); });
+    instance.onLaterStart(watching, [&app, &loop] {
+        loop.post([&app] { app.delegate().applicationStartedAgain(); });
+    });
     return QApplication::exec();
 }
