@@ -15,7 +15,11 @@ X11HotKeys::X11HotKeys(Connection& connection)
     , m_keyboardChanges(connection)
     , m_changed(m_keyboardChanges.changed.subscribe([this] { followKeyboard(); }))
     , m_events(connection.events.subscribe([this](const auto& event) { onEvent(event); }))
-    , m_opened(connection.opened.subscribe([this] { grabAnew(); })) {}
+    , m_opened(connection.opened.subscribe([this] {
+        // Nobody has told of the keys that went up meanwhile.
+        m_down.clear();
+        grabAnew();
+    })) {}
 
 X11HotKeys::~X11HotKeys() {
     for (const auto& [reference, hotKey] : m_hotKeys)
@@ -102,7 +106,6 @@ void X11HotKeys::followKeyboard() {
 
 void X11HotKeys::grabAnew() {
     m_modifierMap = readModifierMap(m_connection);
-    m_down.clear();
     for (auto& [reference, hotKey] : m_hotKeys) {
         hotKey.modifiers = m_modifierMap.serverModifiers(hotKey.hotKeyModifiers);
         // Of what somebody else has taken by now, we keep the rest.

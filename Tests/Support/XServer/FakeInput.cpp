@@ -29,6 +29,7 @@ void sendFakeInput(xcb_connection_t* connection, const FakeInput& input) {
     body.root = input.root;
     body.x = static_cast<std::int16_t>(input.x);
     body.y = static_cast<std::int16_t>(input.y);
+    body.device = input.device;
     const auto sent =
         sendRawRequest(connection, xtest, fakeInputOpcode, std::as_bytes(std::span(&body, 1)));
     xcb_discard_reply(connection, sent.sequence);

@@ -13,6 +13,7 @@ struct FakeInput {
     xcb_window_t root = XCB_WINDOW_NONE;
     int x = 0;
     int y = 0;
+    std::uint8_t device = 0; ///< of an event of XInput: its number; others come from XTEST's own
 };
 
 /// Has the server take `input` as if a device had sent it: raw events are sent too, and grabs work.
