@@ -157,6 +157,7 @@ AppControllerCollaborators KestroveApp::collaborators(KestroveGround ground) {
         .logSubsystem = bundleIdentifier,
         .diagnosticOutput = m_diagnosticOutput,
         .globalShortcuts = &m_globalShortcuts,
+        .showSourcePicker = [this, ground] { showSourcePicker(ground); },
     };
 }
 
@@ -180,11 +181,28 @@ MenuBarViewCollaborators KestroveApp::menuCollaborators(KestroveGround ground) {
         .outputWindow = m_outputWindow,
         .shortcutTexts = [this] { return menuShortcutTexts(m_settings.shortcutBindings.get()); },
         .openScreenRecordingPreferences = {}, // X knows no such permission
-        .showSourcePicker = {},
+        .showSourcePicker = [this] { m_controller.showSourcePicker(); },
         .openSettings = [this] { m_settingsWindow.open(); },
         .openPrivacyPolicy = [this] { openPrivacyPolicy(m_application); },
         .quit = [this] { m_appDelegate.terminate(); },
     };
+}
+
+void KestroveApp::showSourcePicker(KestroveGround ground) {
+    if (!m_pickerController) {
+        SourcePickerWindowController::Surroundings surroundings{
+            .settings = m_settings,
+            .controller = m_controller,
+            .application = m_application,
+            .platform = {ground.loop, ground.desktop.screenCapture(), ground.desktop.screens(),
+                         m_application, ground.log},
+            .bringToFront = [activate = ground.desktop.windowRequests().activate](QWidget& window) {
+                activate(window.winId());
+            }};
+        m_pickerController.emplace(std::move(surroundings),
+                                   [this] { return m_controller.selfCaptureWindowIDs(); });
+    }
+    m_pickerController->show();
 }
 
 } // namespace kestrove

@@ -20,8 +20,10 @@
 #include "UI/OutputWindow/OutputWindowCommands.h"
 #include "UI/OutputWindow/OutputWindowController.h"
 #include "UI/SettingsView/SettingsWindow.h"
+#include "UI/SourcePicker/SourcePickerWindowController.h"
 
 #include <memory>
+#include <optional>
 
 namespace kestrove {
 
@@ -58,6 +60,7 @@ private:
     [[nodiscard]] AppControllerCollaborators collaborators(KestroveGround ground);
     [[nodiscard]] SettingsViewCollaborators settingsCollaborators(KestroveGround ground);
     [[nodiscard]] MenuBarViewCollaborators menuCollaborators(KestroveGround ground);
+    void showSourcePicker(KestroveGround ground);
 
     QtApplication m_application;
     AppSettings m_settings;
@@ -82,6 +85,8 @@ private:
     GlobalShortcuts m_globalShortcuts;
     AppController m_controller;
     AppDelegate m_appDelegate;
+    /// Made when it is opened for the first time.
+    std::optional<SourcePickerWindowController> m_pickerController;
     SettingsWindow m_settingsWindow;
     MenuBarView m_menuBarView;
     NativeMenu m_menu;

@@ -44,6 +44,21 @@ std::string SourceTileContent::accessibleDescription() const {
     return text;
 }
 
+int SourcePickerContent::tileCount() const {
+    int count = 0;
+    for (const auto& section : sections)
+        count += static_cast<int>(section.tiles.size());
+    return count;
+}
+
+int SourcePickerContent::pictureCount() const {
+    int count = 0;
+    for (const auto& section : sections)
+        count += static_cast<int>(std::ranges::count_if(
+            section.tiles, [](const auto& tile) { return tile.preview.image != nullptr; }));
+    return count;
+}
+
 SourcePickerContent sourcePickerContent(const SourcePickerState& state) {
     SourcePickerContent content{
         .title = "ソースを選択",

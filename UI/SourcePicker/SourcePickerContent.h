@@ -63,6 +63,10 @@ struct SourcePickerContent {
     std::optional<SourcePickerEmptyState> emptyState;
     std::vector<SourcePickerSection> sections;
 
+    /// All tiles, and those of them that have a picture.
+    [[nodiscard]] int tileCount() const;
+    [[nodiscard]] int pictureCount() const;
+
     bool operator==(const SourcePickerContent&) const = default;
 };
 

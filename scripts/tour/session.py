@@ -156,7 +156,7 @@ class Session:
         sorted by the names of their applications."""
         windows = [title for title in ("xclock", "xeyes", "xlogo", "display 1", "display 2")
                    if self.desktop.find_window(title)]
-        return ["session", "mouse", "focused", *DISPLAYS, *windows]
+        return ["session", "picker", "mouse", "focused", *DISPLAYS, *windows]
 
     def _wait_for_rest(self, seconds):
         last = [self.screen().data, time.monotonic()]

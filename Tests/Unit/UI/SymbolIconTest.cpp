@@ -39,10 +39,11 @@ private:
     QPalette m_before = QGuiApplication::palette();
 };
 
-TEST_F(SymbolIconTest, EverySymbolOfTheMenuIsDrawnAtEverySize) {
+TEST_F(SymbolIconTest, EverySymbolIsDrawnAtEverySize) {
     for (const auto* const name :
          {"MenuBarIcon", "rectangle.on.rectangle", "exclamationmark.triangle.fill",
-          "largecircle.fill.circle", "circle", "checkmark.square.fill", "square", "gearshape"}) {
+          "largecircle.fill.circle", "circle", "checkmark.square.fill", "square", "gearshape",
+          "arrow.clockwise", "rectangle.dashed"}) {
         const auto icon = symbolIcon(name);
         ASSERT_FALSE(icon.isNull()) << name;
         for (const int side : {16, 22, 32, 64}) {

@@ -10,15 +10,15 @@ namespace kestrove::test {
 namespace {
 
 /// The pointer's display is shared from the start, so that the menu has its list of sources before
-/// it opens. Its entries from the top, texts not counted: the session, two follow modes, two
-/// displays, the windows, the refresh, showing and hiding the output.
+/// it opens. Its entries from the top, texts not counted: the session, the picker, two follow
+/// modes, two displays, the windows, the refresh, showing and hiding the output.
 class Menu : public ApplicationFixture {
 protected:
     static constexpr int session = 1;
-    static constexpr int followMouse = 2;
-    static constexpr int followFocus = 3;
-    static constexpr int rightDisplay = 5;
-    static constexpr int firstWindow = 6;
+    static constexpr int followMouse = 3;
+    static constexpr int followFocus = 4;
+    static constexpr int rightDisplay = 6;
+    static constexpr int firstWindow = 7;
 
     void share() {
         start("kestrove.autoStart=true\nkestrove.followMode=mouse\n");

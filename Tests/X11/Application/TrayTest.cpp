@@ -69,7 +69,8 @@ TEST_F(Tray, KeepsTheProgramWhenTheOutputIsClosedAndBringsItBack) {
     EXPECT_TRUE(program().isRunning());
 
     ASSERT_TRUE(openTrayMenu(1)) << program().logTail();
-    chooseFromMenu(7); // the session, two modes, two displays, the refresh, then the showing
+    // The session, the picker, two modes, two displays, the refresh, then the showing.
+    chooseFromMenu(8);
     EXPECT_TRUE(waitUntil([this] { return isOutputSeen(); }));
 }
 

@@ -1,0 +1,217 @@
+#include "UI/SourcePicker/SourcePickerView.h"
+
+#include "UI/Icons/SymbolIcon.h"
+#include "UI/SettingsView/FormWidgets.h"
+#include "UI/SourcePicker/PickerMeasures.h"
+#include "UI/SourcePicker/SourceTile.h"
+
+#include <QScrollBar>
+#include <QVBoxLayout>
+
+#include <utility>
+
+namespace kestrove {
+
+namespace {
+
+// Points.
+constexpr double sectionGap = 20;
+constexpr double emptySymbolSize = 32;
+
+} // namespace
+
+SourcePickerView::SourcePickerView(MainLoop& loop, SourcePickerModel& model, AppSettings& settings,
+                                   AppController& controller)
+    : m_model(model)
+    , m_settings(settings)
+    , m_controller(controller)
+    , m_header(new PickerHeader([this] { refresh(); }))
+    , m_scroll(new QScrollArea)
+    , m_emptyState(makeEmptyState())
+    , m_tasks(loop) {
+    m_scroll->setWidget(makeBody());
+    m_scroll->setWidgetResizable(true);
+    m_scroll->setFrameShape(QFrame::NoFrame);
+    m_scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_scroll->setFocusPolicy(Qt::NoFocus);
+    auto* const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(m_header);
+    layout->addWidget(m_scroll, 1);
+    layout->addWidget(m_emptyState, 1);
+    observe(model.displays());
+    observe(model.windows());
+    observe(model.isLoading());
+    observe(settings.followMode);
+    observe(settings.manualSources);
+    observe(controller.activeSource());
+    render();
+}
+
+QWidget* SourcePickerView::makeBody() {
+    auto* const body = new QWidget;
+    const PickerMeasures measures(*this);
+    auto* const layout = new QVBoxLayout(body);
+    const int margin = measures.margin();
+    layout->setContentsMargins(margin, measures.pixels(4), margin, margin);
+    layout->setSpacing(measures.pixels(sectionGap));
+    for (auto& section : m_sections) {
+        section = new TileSection(tileActions());
+        layout->addWidget(section);
+    }
+    layout->addStretch();
+    return body;
+}
+
+QWidget* SourcePickerView::makeEmptyState() {
+    auto* const empty = new QWidget;
+    m_emptySymbol = new QLabel;
+    m_emptySymbol->setAlignment(Qt::AlignCenter);
+    m_emptyText = new CaptionLabel("");
+    m_emptyText->setFont(font());
+    m_emptyText->setAlignment(Qt::AlignCenter);
+    auto* const layout = new QVBoxLayout(empty);
+    layout->setSpacing(PickerMeasures(*this).pixels(12));
+    layout->addStretch(2);
+    layout->addWidget(m_emptySymbol);
+    layout->addWidget(m_emptyText);
+    layout->addStretch(3);
+    return empty;
+}
+
+template <class Value>
+void SourcePickerView::observe(const Published<Value>& field) {
+    m_observations.push_back(field.subscribe([this](const Value&) { scheduleRender(); }));
+}
+
+void SourcePickerView::scheduleRender() {
+    // A change is announced before it can be read, and several of them make one picture.
+    if (std::exchange(m_isRenderScheduled, true))
+        return;
+    m_tasks.post([this] {
+        m_isRenderScheduled = false;
+        render();
+    });
+}
+
+void SourcePickerView::refresh() {
+    m_tasks.launch(m_model.refresh());
+}
+
+void SourcePickerView::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    refresh();
+}
+
+SourcePickerContent SourcePickerView::content() const {
+    SourcePickerState state;
+    state.displays = m_model.displays().get();
+    state.windows = m_model.windows().get();
+    state.isLoading = m_model.isLoading().get();
+    state.followMode = m_settings.followMode.get();
+    state.manualSources = m_settings.manualSources.get();
+    state.activeSource = m_controller.activeSource().get();
+    return sourcePickerContent(state);
+}
+
+void SourcePickerView::render() {
+    const auto shown = content();
+    m_header->show(shown);
+    for (std::size_t index = 0; index < m_sections.size(); ++index)
+        m_sections[index]->show(index < shown.sections.size() ? shown.sections[index]
+                                                              : SourcePickerSection());
+    if (shown.emptyState)
+        renderEmptyState(*shown.emptyState);
+    m_emptyState->setVisible(shown.emptyState.has_value());
+    m_scroll->setVisible(!shown.emptyState);
+    keepCurrent();
+}
+
+void SourcePickerView::renderEmptyState(const SourcePickerEmptyState& state) {
+    const int side = PickerMeasures(*this).pixels(emptySymbolSize);
+    m_emptySymbol->setPixmap(
+        symbolIcon(state.symbol).pixmap(QSize(side, side), QIcon::Disabled, QIcon::Off));
+    m_emptyText->setText(qtText(state.text));
+}
+
+TileActions SourcePickerView::tileActions() {
+    return {.tap =
+                [this](const CaptureSourceInfo& info) {
+                    m_controller.toggleSource(info.source, info.windowOwner);
+                },
+            .move = [this](CaptureSource from, TileMove direction) { move(from, direction); },
+            .focused =
+                [this](CaptureSource source) {
+                    m_isAtStart = false;
+                    setCurrent(source);
+                }};
+}
+
+std::vector<std::size_t> SourcePickerView::tileCounts() const {
+    std::vector<std::size_t> counts;
+    for (const auto* const section : m_sections)
+        counts.push_back(section->tiles().size());
+    return counts;
+}
+
+std::optional<TilePlace> SourcePickerView::placeOf(CaptureSource source) const {
+    for (std::size_t section = 0; section < m_sections.size(); ++section) {
+        if (const auto index = m_sections[section]->indexOf(source))
+            return TilePlace{section, *index};
+    }
+    return std::nullopt;
+}
+
+void SourcePickerView::move(CaptureSource from, TileMove move) {
+    const auto place = placeOf(from);
+    if (!place)
+        return;
+    const auto columns = m_sections[place->section]->columnCount();
+    if (const auto next = tileAfter(*place, move, columns, tileCounts()))
+        focusTile(*next);
+}
+
+void SourcePickerView::focusTile(TilePlace place) {
+    auto* const tile = m_sections[place.section]->tiles()[place.index];
+    tile->setFocus(Qt::TabFocusReason);
+    const int margin = PickerMeasures(*this).margin();
+    m_scroll->ensureWidgetVisible(tile, 0, margin);
+    // The headline of the first row is seen together with it.
+    if (place.section == 0 && place.index < m_sections[0]->columnCount())
+        m_scroll->verticalScrollBar()->setValue(0);
+}
+
+void SourcePickerView::setCurrent(std::optional<CaptureSource> source) {
+    m_current = source;
+    for (const auto* const section : m_sections) {
+        for (auto* const tile : section->tiles())
+            tile->setFocusPolicy(tile->content().preview.id == source ? Qt::StrongFocus
+                                                                      : Qt::ClickFocus);
+    }
+}
+
+void SourcePickerView::keepCurrent() {
+    const bool isThere = m_current && placeOf(*m_current);
+    const auto first = tileAfter({}, TileMove::first, 1, tileCounts());
+    if (isThere && !m_isAtStart)
+        return setCurrent(m_current);
+    if (!first)
+        return setCurrent(std::nullopt);
+    const auto* const tile = m_sections[first->section]->tiles()[first->index];
+    setCurrent(tile->content().preview.id);
+    // Not taken from the button, if the user is there.
+    if (m_isAtStart || focusWidget() == nullptr) {
+        const bool wasAtStart = m_isAtStart;
+        focusTile(*first);
+        m_isAtStart = wasAtStart;
+    }
+}
+
+void SourcePickerView::startOver() {
+    m_isAtStart = true;
+    m_scroll->verticalScrollBar()->setValue(0);
+    keepCurrent();
+}
+
+} // namespace kestrove
