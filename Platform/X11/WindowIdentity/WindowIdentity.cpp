@@ -3,12 +3,11 @@
 #include "Platform/X11/Properties.h"
 #include "Platform/X11/WindowIdentity/CompoundText.h"
 #include "Platform/X11/WindowIdentity/PropertyText.h"
+#include "Platform/X11/WindowIdentity/PropertyValues.h"
 #include "Platform/X11/WindowIdentity/WindowLayer.h"
 
 #include <algorithm>
 #include <array>
-#include <filesystem>
-#include <limits>
 #include <string_view>
 #include <unistd.h>
 
@@ -93,35 +92,20 @@ std::optional<ProcessID> hearProcess(Connection& connection, const Question& que
                                      const std::string& machine) {
     const auto process = hearWord(connection, question.process);
     const auto owner = hearBytes(connection, question.machine);
-    constexpr std::uint32_t largest = std::numeric_limits<ProcessID>::max();
-    if (!process || *process == 0 || *process > largest || !owner ||
-        textOfUtf8(owner->bytes) != machine)
-        return std::nullopt;
-    return static_cast<ProcessID>(*process);
+    return processOf(process, owner ? std::optional(owner->bytes) : std::nullopt, machine);
 }
 
-/// The second of the two texts that WM_CLASS holds, each closed by a zero.
 std::optional<std::string> hearClass(Connection& connection, const Question& question) {
     const auto property = hearBytes(connection, question.windowClass);
-    if (!property)
-        return std::nullopt;
-    const auto& bytes = property->bytes;
-    const auto separator = bytes.find('\0');
-    if (separator == std::string::npos)
-        return std::nullopt;
-    return unlessEmpty(textOfLatin1(std::string_view(bytes.c_str() + separator + 1)));
+    return property ? classOf(property->bytes) : std::nullopt;
 }
 
-/// An application id as it is, a desktop file without folder and ".desktop".
 std::optional<std::string> hearApplication(Connection& connection, const Question& question) {
     std::optional<std::string> found;
     for (const auto asked : question.applicationNames) {
         const auto property = hearBytes(connection, asked);
-        if (found || !property)
-            continue;
-        const std::filesystem::path path(textOfUtf8(property->bytes));
-        const auto file = path.filename();
-        found = unlessEmpty(file.extension() == ".desktop" ? file.stem().string() : file.string());
+        if (!found && property)
+            found = applicationOf(property->bytes);
     }
     return found;
 }
@@ -151,17 +135,10 @@ bool hearElsewhere(Connection& connection, const Question& question,
 Rect boundsOf(const xcb_get_geometry_reply_t& geometry,
               const xcb_translate_coordinates_reply_t& position,
               const std::vector<std::uint32_t>& shadow) {
-    Rect bounds{static_cast<double>(position.dst_x), static_cast<double>(position.dst_y),
-                static_cast<double>(geometry.width), static_cast<double>(geometry.height)};
-    // Left, right, top, bottom. What leaves nothing of the window is not believed.
-    if (shadow.size() != 4 || shadow[0] + shadow[1] >= geometry.width ||
-        shadow[2] + shadow[3] >= geometry.height)
-        return bounds;
-    bounds.x += shadow[0];
-    bounds.width -= shadow[0] + shadow[1];
-    bounds.y += shadow[2];
-    bounds.height -= shadow[2] + shadow[3];
-    return bounds;
+    return withoutShadow({static_cast<double>(position.dst_x), static_cast<double>(position.dst_y),
+                          static_cast<double>(geometry.width),
+                          static_cast<double>(geometry.height)},
+                         shadow);
 }
 
 /// Hears every answer, also those of a window that has gone, or they would pile up.
