@@ -50,7 +50,11 @@ QWidget* SettingsView::makeOutputSection() {
     line->addWidget(&m_frameRate);
     line->addStretch();
     line->addWidget(&m_frameRateStepper);
-    m_frameRateStepper.onStep = [this](std::int64_t rate) { m_settings.targetFPS.set(rate); };
+    m_frameRateStepper.onStep = [this](std::int64_t rate) {
+        m_settings.targetFPS.set(rate);
+        // At once: the next step may come before the picture of this one.
+        m_frameRateStepper.setValue(m_settings.targetFPS.get());
+    };
     section.layout->addLayout(line);
     section.layout->addWidget(makeToggle(SettingsTexts::alwaysOnTop, m_settings.alwaysOnTop));
     section.layout->addWidget(
@@ -102,7 +106,7 @@ void SettingsView::scheduleRender() {
 }
 
 void SettingsView::render() {
-    m_modes.button(static_cast<int>(m_settings.followMode.get()))->setChecked(true);
+    renderMode();
     const auto rate = m_settings.targetFPS.get();
     const auto rateText = qtText(SettingsTexts::frameRate(rate));
     m_frameRate.setText(rateText);
@@ -111,6 +115,15 @@ void SettingsView::render() {
     for (const auto& renderToggle : m_renderToggles)
         renderToggle();
     m_shortcuts.render(ShortcutRegistryState::of(m_globalShortcuts));
+}
+
+void SettingsView::renderMode() {
+    auto* const chosen = m_modes.button(static_cast<int>(m_settings.followMode.get()));
+    chosen->setChecked(true);
+    // The keyboard comes to the choice that is made, and goes on from there by the arrow keys: Qt
+    // sees to that only once a choice has had the focus, and takes the first one until then.
+    for (auto* const choice : m_modes.buttons())
+        choice->setFocusPolicy(choice == chosen ? Qt::StrongFocus : Qt::ClickFocus);
 }
 
 } // namespace kestrove

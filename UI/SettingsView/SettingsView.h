@@ -44,6 +44,7 @@ private:
     void observe(const Published<Value>& field);
     void scheduleRender();
     void render();
+    void renderMode();
 
     AppSettings& m_settings;
     const GlobalShortcuts& m_globalShortcuts;

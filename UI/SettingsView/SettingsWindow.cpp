@@ -3,6 +3,7 @@
 #include "UI/SettingsView/FormWidgets.h"
 #include "UI/SettingsView/SettingsTexts.h"
 
+#include <QAccessibleWidget>
 #include <QApplication>
 #include <QScreen>
 #include <QScrollArea>
@@ -74,12 +75,21 @@ private:
     QMetaObject::Connection m_focusChanges;
 };
 
+/// Qt takes a top-level widget of no special kind for a part of a window.
+QAccessibleInterface* makeWindowInterface(const QString& /*className*/, QObject* object) {
+    auto* const frame = dynamic_cast<Frame*>(object);
+    return frame == nullptr ? nullptr : new QAccessibleWidget(frame, QAccessible::Window);
+}
+
 } // namespace
 
 SettingsWindow::SettingsWindow(SettingsViewCollaborators collaborators,
                                std::function<void(QWidget&)> bringToFront)
     : m_with(std::move(collaborators))
-    , m_bringToFront(std::move(bringToFront)) {}
+    , m_bringToFront(std::move(bringToFront)) {
+    // Qt does not add one that it has already.
+    QAccessible::installFactory(makeWindowInterface);
+}
 
 SettingsWindow::~SettingsWindow() {
     delete m_widget;

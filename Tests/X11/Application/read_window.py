@@ -1,10 +1,15 @@
-"""Writes what assistive technology is told of the window of this title: one line an element."""
+"""Tells what assistive technology is told of the window of a title. Each line on the standard input
+names a file; it is there once it holds a line an element that can be seen, or could be once it is
+scrolled to. It is empty while there is no such window."""
 
+import os
 import sys
 
 import pyatspi
+from gi.repository import Atspi, GLib
 
-STATES = (pyatspi.STATE_CHECKED, pyatspi.STATE_FOCUSABLE, pyatspi.STATE_ENABLED)
+STATES = (pyatspi.STATE_CHECKED, pyatspi.STATE_FOCUSABLE, pyatspi.STATE_FOCUSED,
+          pyatspi.STATE_ENABLED)
 
 
 def actions_of(element):
@@ -25,6 +30,8 @@ def value_of(element):
 
 def lines_of(element):
     states = element.getState()
+    if not states.contains(pyatspi.STATE_VISIBLE):
+        return
     named = [pyatspi.stateToString(state) for state in STATES if states.contains(state)]
     yield "|".join([element.getRoleName(), element.name, element.description, ",".join(named),
                     ",".join(actions_of(element)), value_of(element)])
@@ -32,14 +39,29 @@ def lines_of(element):
         yield from lines_of(child)
 
 
-def main(title, file):
-    for application in pyatspi.Registry.getDesktop(0):
-        for window in application or ():
-            if window.name == title:
-                with open(file, "w", encoding="utf-8") as out:
-                    out.write("\n".join(lines_of(window)) + "\n")
-                return 0
-    return 1
+def windows():
+    desktop = pyatspi.Registry.getDesktop(0)
+    desktop.clear_cache()
+    for application in desktop:
+        if application is not None:
+            application.set_cache_mask(Atspi.Cache.NONE)
+            yield from application
 
 
-sys.exit(main(*sys.argv[1:]))
+def told_of(title):
+    try:
+        return "".join(f"{line}\n" for window in windows() if window.name == title
+                       for line in lines_of(window))
+    except GLib.Error:
+        return ""  # an element went while it was asked
+
+
+def main(title):
+    for line in sys.stdin:
+        file = line.rstrip("\n")
+        with open(file + ".part", "w", encoding="utf-8") as part:
+            part.write(told_of(title))
+        os.rename(file + ".part", file)
+
+
+main(*sys.argv[1:])

@@ -173,6 +173,31 @@ TEST_F(SettingsWindowTest, StepsTheFrameRateFromWhereverItIs) {
     EXPECT_EQ(settings->targetFPS.get(), 60);
 }
 
+TEST_F(SettingsWindowTest, LosesNoStepOfTheFrameRate) {
+    open();
+    auto* const stepper = widget().findChild<FrameRateStepper*>();
+    settle();
+    // All before the window is drawn once: as when the program is busy.
+    QKeyEvent down(QEvent::KeyPress, Qt::Key_Down, Qt::NoModifier);
+    for (const std::int64_t rate : {25, 20, 15, 15}) {
+        QApplication::sendEvent(stepper, &down);
+        EXPECT_EQ(settings->targetFPS.get(), rate);
+    }
+    QKeyEvent up(QEvent::KeyPress, Qt::Key_Up, Qt::NoModifier);
+    QApplication::sendEvent(stepper, &up);
+    EXPECT_EQ(settings->targetFPS.get(), 20);
+    settle();
+    EXPECT_TRUE(shows("フレームレート: 20 fps"));
+}
+
+TEST_F(SettingsWindowTest, BeginsAtTheModeThatIsChosen) {
+    defaults.values["kestrove.followMode"] = std::string("manual");
+    open();
+    settle();
+    EXPECT_EQ(QApplication::focusWidget(), &button("手動で選択"));
+    EXPECT_EQ(settings->followMode.get(), FollowMode::manual);
+}
+
 TEST_F(SettingsWindowTest, RecordsAShortcutAndSaysThatItIsApplied) {
     open();
     record(0, 2, Qt::ControlModifier | Qt::AltModifier);
