@@ -8,14 +8,15 @@ AppDelegate::AppDelegate(Application& application, AppSettings& settings, AppCon
                          OutputWindowControlling& outputWindow,
                          OutputContentControlling& outputContent,
                          ActiveSourceOverlayControlling& activeOverlay,
-                         std::function<bool()> hasTray)
+                         std::function<bool()> hasTray, std::function<void()> openPanelWindow)
     : m_application(application)
     , m_settings(settings)
     , m_controller(controller)
     , m_outputWindow(outputWindow)
     , m_outputContent(outputContent)
     , m_activeOverlay(activeOverlay)
-    , m_hasTray(std::move(hasTray)) {
+    , m_hasTray(std::move(hasTray))
+    , m_openPanelWindow(std::move(openPanelWindow)) {
     // Back from the system's settings, perhaps: an idle session shows what has become of the
     // permission.
     m_becameActive =
@@ -42,8 +43,7 @@ void AppDelegate::applicationDidFinishLaunching() {
 }
 
 void AppDelegate::applicationStartedAgain() {
-    m_outputWindow.show();
-    m_application.activateIgnoringOtherApps();
+    m_openPanelWindow();
 }
 
 void AppDelegate::outputWindowClosed() {

@@ -15,17 +15,18 @@ namespace kestrove {
 /// Thread: main.
 class AppDelegate {
 public:
-    /// `hasTray` says whether there is a tray now, with our icon in it.
+    /// `hasTray` says whether there is a tray now, with our icon in it. `openPanelWindow` brings
+    /// the panel up as a window of its own.
     AppDelegate(Application& application, AppSettings& settings, AppController& controller,
                 OutputWindowControlling& outputWindow, OutputContentControlling& outputContent,
-                ActiveSourceOverlayControlling& activeOverlay, std::function<bool()> hasTray);
+                ActiveSourceOverlayControlling& activeOverlay, std::function<bool()> hasTray,
+                std::function<void()> openPanelWindow);
 
     /// The main loop runs from now on: shows the application and, when the user wants that, starts
     /// to share.
     void applicationDidFinishLaunching();
 
-    /// The user has started the application while it runs: what there is to see of it comes to the
-    /// front.
+    /// The user has started the application while it runs: the panel comes to the front.
     void applicationStartedAgain();
 
     /// With a place in the tray the application stays, and what the window shows is only out of
@@ -47,6 +48,7 @@ private:
     OutputContentControlling& m_outputContent;
     ActiveSourceOverlayControlling& m_activeOverlay;
     std::function<bool()> m_hasTray;
+    std::function<void()> m_openPanelWindow;
     Subscription m_becameActive;
     Subscription m_sessionState;
 };

@@ -46,6 +46,12 @@ QtApplication::BringToFront bringToFront(X11Desktop& desktop) {
     };
 }
 
+std::function<void(QWidget&)> widgetToFront(X11Desktop& desktop) {
+    return [activate = desktop.windowRequests().activate](QWidget& window) {
+        activate(window.winId());
+    };
+}
+
 /// A shortcut that cannot work is not offered.
 MenuShortcutTexts menuShortcutTexts(const ShortcutBindings& bindings) {
     const auto text = [&bindings](ShortcutAction action) {
@@ -104,14 +110,12 @@ KestroveApp::KestroveApp(KestroveGround ground)
     , m_globalShortcuts(hotKeyRegistrar(ground), ground.log, bundleIdentifier)
     , m_controller(collaborators(ground))
     , m_appDelegate(m_application, m_settings, m_controller, m_outputWindow, m_outputContainer,
-                    m_activeOverlay, TrayIcon::hasTray)
-    , m_settingsWindow(settingsCollaborators(ground),
-                       [activate = ground.desktop.windowRequests().activate](QWidget& window) {
-                           activate(window.winId());
-                       })
+                    m_activeOverlay, TrayIcon::hasTray, [this] { m_panel.openWindow(); })
+    , m_settingsWindow(settingsCollaborators(ground), widgetToFront(ground.desktop))
     , m_menuBarView(menuCollaborators(ground))
     , m_menu(m_menuBarView)
-    , m_trayIcon(m_menu.menu()) {}
+    , m_panel(m_menuBarView, widgetToFront(ground.desktop))
+    , m_trayIcon(m_menu.menu(), [this](QRect icon) { m_panel.openAt(icon); }) {}
 
 OutputWindowPlatform KestroveApp::windowPlatform(KestroveGround ground) {
     auto makeWindow = [this, ground](const Rect& contentRect, WindowStyle style) {

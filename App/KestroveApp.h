@@ -16,6 +16,7 @@
 #include "UI/Composer/OutputContainerWidget.h"
 #include "UI/MenuBarView/MenuBarView.h"
 #include "UI/MenuBarView/NativeMenu.h"
+#include "UI/MenuBarView/Panel/Panel.h"
 #include "UI/MenuBarView/TrayIcon.h"
 #include "UI/OutputWindow/OutputWindowCommands.h"
 #include "UI/OutputWindow/OutputWindowController.h"
@@ -90,6 +91,7 @@ private:
     SettingsWindow m_settingsWindow;
     MenuBarView m_menuBarView;
     NativeMenu m_menu;
+    Panel m_panel;
     TrayIcon m_trayIcon;
 };
 

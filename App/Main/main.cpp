@@ -91,8 +91,10 @@ int main(int argumentCount, char** arguments) {
     KestroveApp app({loop, *log, defaults, **desktop});
     const TerminationSignals signals(watching, [&app] { app.delegate().terminate(); });
     loop.post([&app] { app.delegate().applicationDidFinishLaunching(); });
-    instance.onLaterStart(watching, [&app, &loop] {
-        loop.post([&app] { app.delegate().applicationStartedAgain(); });
-    });
+    const auto inTheLoop = [&app, &loop](void (AppDelegate::*call)()) {
+        return [&app, &loop, call] { loop.post([&app, call] { (app.delegate().*call)(); }); };
+    };
+    instance.listen(watching, inTheLoop(&AppDelegate::applicationStartedAgain),
+                    inTheLoop(&AppDelegate::terminate));
     return QApplication::exec();
 }

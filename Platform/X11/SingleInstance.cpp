@@ -41,35 +41,39 @@ xcb_atom_t SingleInstance::atom(const std::string& name) const {
 InstanceClaim SingleInstance::claim(std::chrono::milliseconds patience) {
     const auto deadline = Clock::now() + patience;
     while (xcb_connection_has_error(m_connection.get()) == 0) {
-        const auto owner = ownerOrTake();
-        if (owner == XCB_WINDOW_NONE)
+        const auto other = otherOwnerOrTake();
+        if (other == XCB_WINDOW_NONE)
             return InstanceClaim::first;
-        if (const auto isAnswered = ask(owner, deadline))
+        if (const auto isAnswered = ask(other, deadline))
             return *isAnswered ? InstanceClaim::handedOver : InstanceClaim::unanswered;
     }
     return InstanceClaim::unanswered;
 }
 
-xcb_window_t SingleInstance::ownerOrTake() const {
+xcb_window_t SingleInstance::otherOwnerOrTake() const {
     auto* const connection = m_connection.get();
-    // Of two that start together, only one must find no owner.
-    xcb_grab_server(connection);
-    const Reply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
-        connection, xcb_get_selection_owner(connection, m_selection), nullptr));
-    const auto owner = reply ? reply->owner : XCB_WINDOW_NONE;
-    if (owner == XCB_WINDOW_NONE) {
+    const auto before = owner();
+    if (before == XCB_WINDOW_NONE) {
         xcb_set_selection_owner(connection, m_window, m_selection, XCB_CURRENT_TIME);
-    } else {
-        // It may end before it answers.
-        const std::uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
-        xcb_change_window_attributes(connection, owner, XCB_CW_EVENT_MASK, &mask);
+        // Of two that start together both may have found none: the last one to take it has it, and
+        // the other one is told, now or later.
+        const auto taken = owner();
+        return taken == m_window ? xcb_window_t{XCB_WINDOW_NONE} : taken;
     }
-    xcb_ungrab_server(connection);
-    xcb_flush(connection);
-    return owner;
+    // It may end before it answers.
+    const std::uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+    xcb_change_window_attributes(connection, before, XCB_CW_EVENT_MASK, &mask);
+    return before;
 }
 
-std::optional<bool> SingleInstance::ask(xcb_window_t owner, Clock::time_point deadline) const {
+xcb_window_t SingleInstance::owner() const {
+    auto* const connection = m_connection.get();
+    const Reply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
+        connection, xcb_get_selection_owner(connection, m_selection), nullptr));
+    return reply ? reply->owner : xcb_window_t{XCB_WINDOW_NONE};
+}
+
+std::optional<bool> SingleInstance::ask(xcb_window_t other, Clock::time_point deadline) const {
     auto* const connection = m_connection.get();
     xcb_convert_selection(connection, m_window, m_selection, m_open, m_open, XCB_CURRENT_TIME);
     xcb_flush(connection);
@@ -79,7 +83,7 @@ std::optional<bool> SingleInstance::ask(xcb_window_t owner, Clock::time_point de
             return notify.property == XCB_ATOM_NONE ? std::nullopt : std::optional(true);
         }
         if (eventType(*event) == XCB_DESTROY_NOTIFY &&
-            reinterpret_cast<const xcb_destroy_notify_event_t&>(*event).window == owner)
+            reinterpret_cast<const xcb_destroy_notify_event_t&>(*event).window == other)
             return std::nullopt;
     }
     return false;
@@ -99,8 +103,10 @@ Reply<xcb_generic_event_t> SingleInstance::nextEvent(Clock::time_point deadline)
     }
 }
 
-void SingleInstance::onLaterStart(DescriptorWatching& watching, std::function<void()> started) {
+void SingleInstance::listen(DescriptorWatching& watching, std::function<void()> started,
+                            std::function<void()> takenOver) {
     m_started = std::move(started);
+    m_takenOver = std::move(takenOver);
     m_readable = watching.watchReadable(xcb_get_file_descriptor(m_connection.get()),
                                         [this] { readEvents(); });
     // What has been read already makes the descriptor readable no more.
@@ -112,6 +118,8 @@ void SingleInstance::readEvents() {
     while (const Reply<xcb_generic_event_t> event{xcb_poll_for_event(connection)}) {
         if (eventType(*event) == XCB_SELECTION_REQUEST)
             answer(reinterpret_cast<const xcb_selection_request_event_t&>(*event));
+        else if (eventType(*event) == XCB_SELECTION_CLEAR)
+            m_takenOver();
     }
     // The server has gone, and nobody can start here any more.
     if (xcb_connection_has_error(connection) != 0)

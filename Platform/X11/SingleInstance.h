@@ -43,8 +43,11 @@ public:
     [[nodiscard]] InstanceClaim claim(std::chrono::milliseconds patience);
 
     /// `started` is called from the main loop for every later start, also for those that came
-    /// before this call. Once, after the claim of the first instance. `watching` outlives this.
-    void onLaterStart(DescriptorWatching& watching, std::function<void()> started);
+    /// before this call; `takenOver` when another instance, which started at the same moment, has
+    /// become the first one: this one has to end. Once, after the claim of the first instance.
+    /// `watching` outlives this.
+    void listen(DescriptorWatching& watching, std::function<void()> started,
+                std::function<void()> takenOver);
 
 private:
     struct Disconnect {
@@ -54,9 +57,10 @@ private:
 
     [[nodiscard]] xcb_atom_t atom(const std::string& name) const;
     /// The owner of the selection: another instance, or none, and then it is ours.
-    [[nodiscard]] xcb_window_t ownerOrTake() const;
+    [[nodiscard]] xcb_window_t otherOwnerOrTake() const;
+    [[nodiscard]] xcb_window_t owner() const;
     /// Whether the owner has answered; absent when it has gone instead.
-    [[nodiscard]] std::optional<bool> ask(xcb_window_t owner, Clock::time_point deadline) const;
+    [[nodiscard]] std::optional<bool> ask(xcb_window_t other, Clock::time_point deadline) const;
     [[nodiscard]] Reply<xcb_generic_event_t> nextEvent(Clock::time_point deadline) const;
     void readEvents();
     void answer(const xcb_selection_request_event_t& request);
@@ -66,6 +70,7 @@ private:
     xcb_atom_t m_selection = XCB_ATOM_NONE;
     xcb_atom_t m_open = XCB_ATOM_NONE;
     std::function<void()> m_started;
+    std::function<void()> m_takenOver;
     Subscription m_readable;
 };
 

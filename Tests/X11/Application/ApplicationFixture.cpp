@@ -73,14 +73,15 @@ void ApplicationFixture::start() {
 
 void ApplicationFixture::start(const std::vector<std::string>& command) {
     m_program = desktop.start(command);
-    (void)waitUntil([this] { return (m_window = findOutput()) != 0 || !m_program->isRunning(); });
+    (void)waitUntil(
+        [this] { return (m_window = find("kestrove")) != 0 || !m_program->isRunning(); });
     if (m_window == XCB_WINDOW_NONE) {
         giveUp("the program shows no window: " + m_program->logTail());
     }
 }
 
-xcb_window_t ApplicationFixture::findOutput() const {
-    const auto isOutput = [this](xcb_window_t window) {
+xcb_window_t ApplicationFixture::find(std::string_view sought) const {
+    const auto isSought = [this, sought](xcb_window_t window) {
         const auto cookie = xcb_get_property(desktop.connection(), 0, window,
                                              server.atom("_NET_WM_NAME"), XCB_ATOM_ANY, 0, 100);
         const Reply reply(xcb_get_property_reply(desktop.connection(), cookie, nullptr));
@@ -90,14 +91,14 @@ xcb_window_t ApplicationFixture::findOutput() const {
         const std::string_view title(
             static_cast<const char*>(xcb_get_property_value(reply.get())),
             static_cast<std::size_t>(xcb_get_property_value_length(reply.get())));
-        return title == "kestrove" && isViewable(window);
+        return title == sought && isViewable(window);
     };
     for (const auto topLevel : children(desktop.root())) {
-        if (isOutput(topLevel)) {
+        if (isSought(topLevel)) {
             return topLevel;
         }
         const auto framed = children(topLevel);
-        if (const auto found = std::ranges::find_if(framed, isOutput); found != framed.end()) {
+        if (const auto found = std::ranges::find_if(framed, isSought); found != framed.end()) {
             return *found;
         }
     }

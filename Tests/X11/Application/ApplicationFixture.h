@@ -64,6 +64,8 @@ protected:
     /// The same from the end: 1 is the last one.
     void chooseFromMenuEnd(int entry);
     [[nodiscard]] bool isMenuOpen() const;
+    /// The window that is shown with this title; 0 while there is none.
+    [[nodiscard]] xcb_window_t find(std::string_view title) const;
     /// The window that the program's other connection to the server draws the frames in; 0 while
     /// there is none.
     [[nodiscard]] xcb_window_t frameWindow() const;
@@ -77,7 +79,6 @@ protected:
 
 private:
     void choose(Key direction, int steps);
-    [[nodiscard]] xcb_window_t findOutput() const;
     [[nodiscard]] bool isViewable(xcb_window_t window) const;
     [[nodiscard]] std::vector<xcb_window_t> children(xcb_window_t window) const;
     [[nodiscard]] bool isOfSameClient(xcb_window_t one, xcb_window_t other) const;

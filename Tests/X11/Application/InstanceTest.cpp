@@ -33,12 +33,13 @@ protected:
     }
 };
 
-TEST_F(Instance, ALaterStartEndsAtOnceAndLeavesTheFirst) {
+TEST_F(Instance, ALaterStartEndsAndOpensThePanelOfTheFirst) {
     start("");
     const auto later = startAgain();
     ASSERT_TRUE(later->waitForExit(patience));
     EXPECT_EQ(later->exitCode(), 0) << later->logTail();
     EXPECT_TRUE(program().isRunning());
+    EXPECT_TRUE(waitUntil([this] { return find("Kestrove") != XCB_WINDOW_NONE; }));
 }
 
 TEST_F(Instance, OfManyStartsTogetherOneStays) {
