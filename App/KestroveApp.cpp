@@ -88,7 +88,12 @@ ActiveSourceOverlaySurroundings overlaySurroundings(KestroveGround ground) {
 } // namespace
 
 KestroveApp::KestroveApp(KestroveGround ground)
-    : m_application(ground.loop, bundleIdentifier, bringToFront(ground.desktop))
+    : m_ownWindows([&own = ground.desktop.neverCaptured()](
+                       WId window) { own.add(static_cast<xcb_window_t>(window)); },
+                   [&own = ground.desktop.neverCaptured()](WId window) {
+                       own.remove(static_cast<xcb_window_t>(window));
+                   })
+    , m_application(ground.loop, bundleIdentifier, bringToFront(ground.desktop))
     , m_settings(ground.defaults)
     , m_permissionGuard(ground.desktop.recordingAccess(), runModalAlert)
     , m_permission(ground.desktop.recordingAccess(), m_permissionGuard)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "App/AppDelegate.h"
+#include "App/OwnWindows.h"
 #include "App/X11Desktop/X11Desktop.h"
 #include "Core/AppController/AppController.h"
 #include "Core/AppController/TimerSourceRefreshScheduler.h"
@@ -63,6 +64,8 @@ private:
     [[nodiscard]] MenuBarViewCollaborators menuCollaborators(KestroveGround ground);
     void showSourcePicker(KestroveGround ground);
 
+    /// None of them is on any capture.
+    OwnWindows m_ownWindows;
     QtApplication m_application;
     AppSettings m_settings;
     PermissionGuard m_permissionGuard;

@@ -43,7 +43,7 @@ X11Desktop::X11Desktop(std::unique_ptr<x11::Connection> connection, DescriptorWa
 
 std::unique_ptr<OverlayWindow> X11Desktop::makeOverlayWindow(double pixelsPerPoint) {
     auto window = std::make_unique<x11::OverlayWindow>(*m_connection, m_monitors, pixelsPerPoint);
-    m_screenCapture.neverCapture(static_cast<xcb_window_t>(window->windowNumber()));
+    m_screenCapture.neverCaptured().add(static_cast<xcb_window_t>(window->windowNumber()));
     return window;
 }
 

@@ -43,6 +43,11 @@ public:
     /// On no capture of this desktop. Not to be used after this object, like all that it gives.
     [[nodiscard]] std::unique_ptr<OverlayWindow> makeOverlayWindow(double pixelsPerPoint);
 
+    /// Windows of ours, for every picture of a display to leave out.
+    [[nodiscard]] x11::WindowsNeverCaptured& neverCaptured() {
+        return m_screenCapture.neverCaptured();
+    }
+
     /// Not to be used after this object.
     [[nodiscard]] NativeWindowRequests windowRequests();
 

@@ -8,6 +8,7 @@
 #include <xcb/randr.h>
 #include <xcb/render.h>
 #include <xcb/shape.h>
+#include <xcb/xcbext.h>
 #include <xcb/xfixes.h>
 #include <xcb/xinput.h>
 
@@ -160,7 +161,7 @@ void Connection::drainSoon() {
         return;
     if (Reply<xcb_generic_event_t> event{xcb_poll_for_queued_event(m_connection.get())})
         m_readAhead.push_back(std::move(event));
-    else if (xcb_connection_has_error(m_connection.get()) == 0)
+    else if (xcb_connection_has_error(m_connection.get()) == 0 && m_awaitedReplies.empty())
         return;
     m_isDrainQueued = true;
     m_tasks.post([this] {
@@ -186,6 +187,21 @@ void Connection::drain() {
         return;
     if (any)
         eventsDrained.emit();
+    takeReplies();
+}
+
+void Connection::takeReplies() {
+    while (m_isOpen && !m_awaitedReplies.empty()) {
+        void* reply = nullptr;
+        xcb_generic_error_t* error = nullptr;
+        const auto sequence = m_awaitedReplies.front().sequence;
+        if (xcb_poll_for_reply(m_connection.get(), sequence, &reply, &error) == 0)
+            return;
+        std::free(error);
+        const auto answered = std::move(m_awaitedReplies.front().answered);
+        m_awaitedReplies.pop_front();
+        answered(Reply<void>(reply));
+    }
 }
 
 Reply<xcb_generic_event_t> Connection::nextEvent() {
@@ -246,6 +262,8 @@ bool Connection::noticeLoss() {
     m_lifetime.reset();
     m_readable.cancel();
     m_errorHandlers.clear();
+    for (const auto& [sequence, answered] : std::exchange(m_awaitedReplies, {}))
+        answered(nullptr);
     lost.emit();
     return true;
 }

@@ -48,6 +48,9 @@ public:
     Connection& operator=(const Connection&) = delete;
     ~Connection();
 
+    /// Takes a reply as the server has sent it, or null.
+    using ReplyHandler = std::function<void(Reply<void> reply)>;
+
     [[nodiscard]] MainLoop& loop() { return m_loop; }
     /// For requests. Valid also while the connection is lost: requests are then thrown away.
     [[nodiscard]] xcb_connection_t* get() { return m_connection.get(); }
@@ -74,6 +77,14 @@ public:
         std::free(error);
         drainSoon();
         return Reply<std::remove_pointer_t<decltype(raw)>>(raw);
+    }
+
+    /// Sends what was requested, and has the reply to `cookie` told to `answered`, from the main
+    /// loop: null on an error or a lost connection. For replies that are worth not waiting for.
+    template <class Cookie>
+    void onReply(Cookie cookie, ReplyHandler answered) {
+        m_awaitedReplies.push_back({cookie.sequence, std::move(answered)});
+        flush();
     }
 
     /// Waits for the outcome of a checked request: whether it succeeded. Not for the frame path.
@@ -111,6 +122,10 @@ private:
     };
     using Handle = std::unique_ptr<xcb_connection_t, Disconnect>;
     using ErrorHandlers = std::map<std::uint32_t, std::function<void()>>;
+    struct AwaitedReply {
+        unsigned int sequence;
+        ReplyHandler answered;
+    };
     /// How often each bit of a window's event mask was asked for.
     using MaskCounts = std::map<std::uint32_t, int>;
 
@@ -119,6 +134,7 @@ private:
     std::expected<Extensions, PlatformError> queryExtensions(xcb_connection_t* connection);
     void drain();
     void drainSoon();
+    void takeReplies();
     Reply<xcb_generic_event_t> nextEvent();
     void dispatch(const xcb_generic_event_t& event);
     void dispatchError(std::uint32_t sequence);
@@ -138,6 +154,8 @@ private:
     std::deque<Reply<xcb_generic_event_t>> m_readAhead;
     std::map<std::string, xcb_atom_t, std::less<>> m_atoms;
     ErrorHandlers m_errorHandlers;
+    /// In the order of the requests, which is that of the replies.
+    std::deque<AwaitedReply> m_awaitedReplies;
     std::map<xcb_window_t, MaskCounts> m_masks;
     Subscription m_readable;
     TaskScope m_tasks;

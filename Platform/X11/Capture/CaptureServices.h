@@ -3,12 +3,11 @@
 #include "Platform/X11/Capture/CursorTracker.h"
 #include "Platform/X11/Capture/PictureFormats.h"
 #include "Platform/X11/Capture/WindowStack.h"
+#include "Platform/X11/Capture/WindowsNeverCaptured.h"
 #include "Platform/X11/Connection.h"
 #include "Platform/X11/RawMotion.h"
 
 #include <memory>
-#include <utility>
-#include <vector>
 #include <xcb/xcb.h>
 
 namespace kestrove::x11 {
@@ -17,11 +16,11 @@ namespace kestrove::x11 {
 /// connection to the server that it was made on.
 struct CaptureServices {
     CaptureServices(Connection& connection, RawMotion& motion,
-                    std::vector<xcb_window_t> windowsNeverCaptured)
+                    WindowsNeverCaptured& windowsNeverCaptured)
         : formats(connection)
         , stack(connection)
         , cursor(connection, formats, motion)
-        , neverCaptured(std::move(windowsNeverCaptured))
+        , neverCaptured(windowsNeverCaptured)
         , m_lifetime(connection.lifetime()) {}
 
     /// Whether that connection still is.
@@ -31,7 +30,7 @@ struct CaptureServices {
     WindowStack stack;
     CursorTracker cursor;
     /// Left out of every display, whatever its filter says.
-    std::vector<xcb_window_t> neverCaptured;
+    WindowsNeverCaptured& neverCaptured;
 
 private:
     std::weak_ptr<const void> m_lifetime;

@@ -1,5 +1,6 @@
 #include "Platform/X11/Capture/DisplayContent.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace kestrove::x11 {
@@ -15,7 +16,8 @@ DisplayContent::DisplayContent(Connection& connection, CaptureServices& services
     , m_rootDamage(connection, connection.generateIdentifier())
     , m_events(connection.events.subscribe([this](const auto& event) { onEvent(event); }))
     , m_drained(connection.eventsDrained.subscribe([this] { onDrained(); }))
-    , m_stackChanged(services.stack.changed.subscribe([this] { arrange(); })) {
+    , m_stackChanged(services.stack.changed.subscribe([this] { arrange(); }))
+    , m_ownWindowsChanged(services.neverCaptured.changed.subscribe([this] { arrange(); })) {
     auto* const xcb = connection.get();
     const auto format = services.formats.ofVisual(connection.screen().root_visual);
     const std::uint32_t inferiors = XCB_SUBWINDOW_MODE_INCLUDE_INFERIORS;
@@ -50,10 +52,12 @@ std::optional<SourceContent::Place> DisplayContent::placeUnderPointer(xcb_window
 
 void DisplayContent::arrange() {
     std::set<xcb_window_t> excluded;
-    for (const auto window : m_excluded) {
+    const auto exclude = [&](xcb_window_t window) {
         if (const auto topLevel = m_services.stack.topLevelOf(window))
             excluded.insert(topLevel);
-    }
+    };
+    std::ranges::for_each(m_excluded, exclude);
+    std::ranges::for_each(m_services.neverCaptured.windows(), exclude);
     auto next = composeDisplay(m_services.stack.windows(), excluded, displayRegion(),
                                m_services.stack.isComposited(), m_services.formats);
     if (!m_isNew && next == m_composition)

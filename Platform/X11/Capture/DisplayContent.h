@@ -67,6 +67,7 @@ private:
     Subscription m_events;
     Subscription m_drained;
     Subscription m_stackChanged;
+    Subscription m_ownWindowsChanged;
 };
 
 } // namespace kestrove::x11

@@ -20,10 +20,8 @@ openSourceContent(Connection& connection, const MonitorLayout& monitors, Capture
     const auto* const monitor = monitors.find(display.displayID);
     if (!monitor)
         return std::unexpected(displayGone());
-    auto excluded = display.excludedWindows;
-    excluded.insert(excluded.end(), services.neverCaptured.begin(), services.neverCaptured.end());
     return std::make_unique<DisplayContent>(connection, services, monitor->rectangle,
-                                            std::move(excluded));
+                                            display.excludedWindows);
 }
 
 PlatformError displayGone() {

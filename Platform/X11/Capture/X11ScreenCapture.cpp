@@ -1,5 +1,7 @@
 #include "Platform/X11/Capture/X11ScreenCapture.h"
 
+#include "Async/Completion.h"
+#include "Async/Sleep.h"
 #include "Platform/X11/Capture/FrameScaler.h"
 #include "Platform/X11/Capture/SourceContents.h"
 #include "Platform/X11/Capture/X11CaptureStream.h"
@@ -13,8 +15,51 @@
 namespace kestrove::x11 {
 namespace {
 
+/// Without a compositor, a covered window has no pixels where it is covered. Once we have its
+/// content kept, the server asks its program to draw them, which nobody tells the end of: the
+/// picture is taken when nothing has been drawn for a while, or what is drawn never rests.
+constexpr Seconds redrawPause{0.1};
+constexpr Seconds longestRedrawing{0.5};
+
 PlatformError serverSilent() {
     return {"X11", XCB_CONN_ERROR, "the X server does not answer"};
+}
+
+bool isImageSize(const StreamConfiguration& configuration) {
+    constexpr std::int64_t longestSide = 32767; // pixels, of anything that X draws in
+    const auto isSide = [](std::int64_t side) { return side >= 1 && side <= longestSide; };
+    return isSide(configuration.width) && isSide(configuration.height);
+}
+
+/// What has been drawn on the way is let go of by the server as soon as the pixels are read.
+xcb_get_image_cookie_t requestImage(Connection& connection, SourceContent& content,
+                                    const CaptureServices& shared,
+                                    const StreamConfiguration& configuration) {
+    const auto extent = content.extent();
+    const auto surface =
+        std::make_shared<FrameSurface>(connection, shared.formats, extent.width, extent.height);
+    content.paint(*surface, surface->bounds());
+    const auto width = static_cast<int>(configuration.width);
+    const auto height = static_cast<int>(configuration.height);
+    const FrameSurface scaled(connection, shared.formats, width, height);
+    FrameScaler(connection, shared.formats, surface, width, height)
+        .draw(scaled.picture(), surface->bounds());
+    return xcb_get_image(connection.get(), XCB_IMAGE_FORMAT_Z_PIXMAP, scaled.pixmap(), 0, 0,
+                         static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height),
+                         ~0U);
+}
+
+StillImage stillImage(const xcb_get_image_reply_t& reply,
+                      const StreamConfiguration& configuration) {
+    StillImage image;
+    image.width = static_cast<int>(configuration.width);
+    image.height = static_cast<int>(configuration.height);
+    const auto* const bytes = xcb_get_image_data(&reply);
+    image.pixels.assign(bytes, bytes + xcb_get_image_data_length(&reply));
+    // The fourth byte of a pixel of 24 planes means nothing: our pictures are opaque.
+    for (std::size_t alpha = 3; alpha < image.pixels.size(); alpha += 4)
+        image.pixels[alpha] = 0xFF;
+    return image;
 }
 
 } // namespace
@@ -24,7 +69,9 @@ X11ScreenCapture::X11ScreenCapture(Connection& connection, MonitorLayout& monito
     : m_connection(connection)
     , m_monitors(monitors)
     , m_applications(applications)
-    , m_motion(motion) {}
+    , m_motion(motion)
+    , m_imageLanes{Turns(connection.loop()), Turns(connection.loop()), Turns(connection.loop()),
+                   Turns(connection.loop())} {}
 
 Task<std::expected<ShareableContent, PlatformError>>
 X11ScreenCapture::shareableContent(DesktopWindows desktopWindows, WindowsListed windowsListed) {
@@ -76,41 +123,42 @@ std::shared_ptr<CaptureStream> X11ScreenCapture::makeStream(ContentFilter filter
 
 Task<std::expected<StillImage, PlatformError>>
 X11ScreenCapture::captureImage(ContentFilter filter, StreamConfiguration configuration) {
+    if (!isImageSize(configuration))
+        co_return std::unexpected(
+            PlatformError("X11", XCB_VALUE, "there is no picture of this size"));
+    const auto turn = co_await m_imageLanes[m_nextImageLane++ % m_imageLanes.size()].take();
     if (!m_connection.isOpen())
         co_return std::unexpected(serverSilent());
     const auto shared = services();
-    auto content = openSourceContent(m_connection, m_monitors, *shared, filter);
-    if (!content)
-        co_return std::unexpected(std::move(content.error()));
-    co_return readImage(**content, *shared, configuration);
-}
+    auto opened = openSourceContent(m_connection, m_monitors, *shared, filter);
+    if (!opened)
+        co_return std::unexpected(std::move(opened.error()));
+    const auto content = std::move(*opened);
+    std::optional<PlatformError> gone;
+    const auto watch = content->gone.subscribe([&gone](const auto& error) { gone = error; });
 
-std::expected<StillImage, PlatformError>
-X11ScreenCapture::readImage(SourceContent& content, const CaptureServices& shared,
-                            const StreamConfiguration& configuration) {
-    auto* const xcb = m_connection.get();
-    const auto extent = content.extent();
-    const auto surface =
-        std::make_shared<FrameSurface>(m_connection, shared.formats, extent.width, extent.height);
-    content.paint(*surface, surface->bounds());
-    StillImage image;
-    image.width = static_cast<int>(configuration.width);
-    image.height = static_cast<int>(configuration.height);
-    const FrameSurface scaled(m_connection, shared.formats, image.width, image.height);
-    FrameScaler(m_connection, shared.formats, surface, image.width, image.height)
-        .draw(scaled.picture(), surface->bounds());
-    const auto pixels = m_connection.reply(
-        xcb_get_image_reply, xcb_get_image(xcb, XCB_IMAGE_FORMAT_Z_PIXMAP, scaled.pixmap(), 0, 0,
-                                           static_cast<std::uint16_t>(image.width),
-                                           static_cast<std::uint16_t>(image.height), ~0U));
-    if (!pixels)
-        return std::unexpected(serverSilent());
-    const auto* const bytes = xcb_get_image_data(pixels.get());
-    image.pixels.assign(bytes, bytes + xcb_get_image_data_length(pixels.get()));
-    // The fourth byte of a pixel of 24 planes means nothing: our pictures are opaque.
-    for (std::size_t alpha = 3; alpha < image.pixels.size(); alpha += 4)
-        image.pixels[alpha] = 0xFF;
-    return image;
+    for (Seconds waited(0); waited < longestRedrawing; waited += redrawPause) {
+        (void)content->takeDamage();
+        m_connection.flush();
+        co_await Sleep(m_connection.loop(), redrawPause);
+        if (!shared->isCurrent())
+            co_return std::unexpected(serverSilent());
+        if (gone)
+            co_return std::unexpected(std::move(*gone));
+        if (!content->hasDamage())
+            break;
+    }
+
+    const Completion<std::shared_ptr<xcb_get_image_reply_t>> pixels(m_connection.loop());
+    m_connection.onReply(requestImage(m_connection, *content, *shared, configuration),
+                         [pixels](Reply<void> reply) {
+                             pixels.complete(std::static_pointer_cast<xcb_get_image_reply_t>(
+                                 std::shared_ptr<void>(std::move(reply))));
+                         });
+    const auto reply = co_await pixels;
+    if (!reply)
+        co_return std::unexpected(serverSilent());
+    co_return stillImage(*reply, configuration);
 }
 
 } // namespace kestrove::x11

@@ -1,14 +1,17 @@
 #pragma once
 
+#include "Async/Turns.h"
 #include "Desktop/ScreenCapture.h"
 #include "Platform/X11/Capture/CaptureServices.h"
 #include "Platform/X11/Capture/SourceContent.h"
+#include "Platform/X11/Capture/WindowsNeverCaptured.h"
 #include "Platform/X11/RawMotion.h"
 #include "Platform/X11/Screens/MonitorLayout.h"
 #include "Platform/X11/WindowIdentity/Applications.h"
 
+#include <array>
+#include <cstddef>
 #include <memory>
-#include <vector>
 #include <xcb/xcb.h>
 
 namespace kestrove::x11 {
@@ -22,9 +25,8 @@ public:
     X11ScreenCapture(Connection& connection, MonitorLayout& monitors, Applications& applications,
                      RawMotion& motion);
 
-    /// From now on this window of ours is on no picture of a display, whatever its filter says,
-    /// also when it is shown only later. Called before the first stream is made.
-    void neverCapture(xcb_window_t window) { m_neverCaptured.push_back(window); }
+    /// Windows that are on no picture of a display, whatever its filter says, from now on.
+    [[nodiscard]] WindowsNeverCaptured& neverCaptured() { return m_neverCaptured; }
 
     Task<std::expected<ShareableContent, PlatformError>>
     shareableContent(DesktopWindows desktopWindows, WindowsListed windowsListed) override;
@@ -36,17 +38,18 @@ public:
 
 private:
     std::shared_ptr<CaptureServices> services();
-    std::expected<StillImage, PlatformError> readImage(SourceContent& content,
-                                                       const CaptureServices& shared,
-                                                       const StreamConfiguration& configuration);
 
     Connection& m_connection;
     MonitorLayout& m_monitors;
     Applications& m_applications;
     RawMotion& m_motion;
-    std::vector<xcb_window_t> m_neverCaptured;
+    WindowsNeverCaptured m_neverCaptured;
     /// Kept by the streams, so that nothing is followed while nothing is captured.
     std::weak_ptr<CaptureServices> m_services;
+    /// So many still images are made at the same time: each has the server keep the whole content
+    /// of its windows.
+    std::array<Turns, 4> m_imageLanes;
+    std::size_t m_nextImageLane = 0;
 };
 
 } // namespace kestrove::x11

@@ -28,7 +28,7 @@ protected:
     void make(double pixelsPerPoint) {
         overlay =
             std::make_unique<x11::OverlayWindow>(*test.connection, *test.monitors, pixelsPerPoint);
-        test.capture->neverCapture(window());
+        test.capture->neverCaptured().add(window());
     }
 
     [[nodiscard]] xcb_window_t window() const {
