@@ -7,7 +7,7 @@ from dataclasses import dataclass, field
 CODE_FOLDERS = ["Async", "Desktop", "Util", "Core", "UI", "App", "Platform", "Tests", "Bench"]
 SCRIPT_FOLDERS = ["cmake", "scripts", "packaging", ".ci"]
 DOCUMENT_FOLDERS = ["docs"]
-TOP_FILES = ["run", "test", "CMakeLists.txt", "README.md", "README.ja.md"]
+TOP_FILES = ["run", "test", "package", "CMakeLists.txt", "README.md", "README.ja.md"]
 TEXT_SUFFIXES = {".h", ".cpp", ".py", ".sh", ".cmake", ".txt", ".md", ".json", ".supp", ""}
 
 
