@@ -149,6 +149,11 @@ void SettingsWindowFixture::focusOther() {
     EXPECT_TRUE(waitUntil(hasFocus));
 }
 
+void SettingsWindowFixture::closeOther() {
+    m_other.reset();
+    EXPECT_TRUE(waitUntil([this] { return !focusedName(read()).empty(); }));
+}
+
 void SettingsWindowFixture::take(xcb_keycode_t key) {
     const auto cookie = xcb_grab_key_checked(desktop.connection(), 0, desktop.root(), controlSuper,
                                              key, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);

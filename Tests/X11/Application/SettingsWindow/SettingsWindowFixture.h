@@ -47,6 +47,8 @@ protected:
 
     /// A window of another program has the focus.
     void focusOther();
+    /// Its window goes, and the window manager gives the focus to the settings window.
+    void closeOther();
 
     /// Another program has the key with Control and Super, or gives it back.
     void take(xcb_keycode_t key);
