@@ -44,10 +44,6 @@ void KeyboardChanges::set() {
     }
     m_firstEvent = extension->first_event;
     (void)m_connection.reply(xcb_xkb_use_extension_reply, xcb_xkb_use_extension(server, 1, 0));
-    constexpr std::uint32_t repeat = XCB_XKB_PER_CLIENT_FLAG_DETECTABLE_AUTO_REPEAT;
-    (void)m_connection.reply(
-        xcb_xkb_per_client_flags_reply,
-        xcb_xkb_per_client_flags(server, coreKeyboard, repeat, repeat, 0, 0, 0));
     xcb_xkb_select_events(server, coreKeyboard, notices, 0, notices, mapParts, mapParts, nullptr);
     m_connection.flush();
 }

@@ -8,8 +8,7 @@ namespace kestrove::x11 {
 /// Tells that the keyboard's maps are others now: another layout, other modifiers, another
 /// keyboard plugged in. Once for all that had arrived.
 ///
-/// It also has the server repeat held keys without making up releases between the presses, for the
-/// whole connection. Thread: main.
+/// Thread: main. Lifetime: not longer than the connection.
 class KeyboardChanges {
 public:
     explicit KeyboardChanges(Connection& connection);

@@ -10,6 +10,9 @@ namespace kestrove::x11 {
 /// Which of the server's modifier bits mean what, as the keyboard's maps say now. X fixes only
 /// Shift, Lock and Control; the rest is whatever carries the keys in question.
 struct ModifierMap {
+    /// Every `HotKeyModifier` bit.
+    static constexpr std::uint32_t allHotKeyModifiers = 0x1B00;
+
     std::uint16_t alt = XCB_MOD_MASK_1;
     std::uint16_t super = XCB_MOD_MASK_4;
     /// Num Lock and Scroll Lock; 0 where no bit is theirs.

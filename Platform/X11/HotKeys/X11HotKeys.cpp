@@ -5,25 +5,21 @@
 #include <algorithm>
 #include <ranges>
 #include <utility>
-#include <vector>
 
 namespace kestrove::x11 {
 
 X11HotKeys::X11HotKeys(Connection& connection)
     : m_connection(connection)
+    , m_grabs(connection)
     , m_modifierMap(readModifierMap(connection))
     , m_keyboardChanges(connection)
     , m_changed(m_keyboardChanges.changed.subscribe([this] { followKeyboard(); }))
     , m_events(connection.events.subscribe([this](const auto& event) { onEvent(event); }))
-    , m_opened(connection.opened.subscribe([this] {
-        // Nobody has told of the keys that went up meanwhile.
-        m_down.clear();
-        grabAnew();
-    })) {}
+    , m_opened(connection.opened.subscribe([this] { grabAnew(); })) {}
 
 X11HotKeys::~X11HotKeys() {
     for (const auto& [reference, hotKey] : m_hotKeys)
-        release(hotKey.code, hotKey.grabbed);
+        m_grabs.release(hotKey.code, hotKey.grabbed);
 }
 
 std::expected<Subscription, HotKeyStatus> X11HotKeys::installHandler(Handler handler) {
@@ -38,6 +34,8 @@ X11HotKeys::registerHotKey(std::uint32_t keyCode, std::uint32_t modifiers,
     const auto code = serverCodeOf(keyCode);
     if (!code)
         return std::unexpected(noSuchKey);
+    if ((modifiers & ~ModifierMap::allHotKeyModifiers) != 0)
+        return std::unexpected(noSuchModifier);
     HotKey hotKey{identifier, *code, modifiers, m_modifierMap.serverModifiers(modifiers), {}};
     // The server lets one client grab a combination twice.
     const bool isOurs = std::ranges::any_of(m_hotKeys | std::views::values, [&](const auto& each) {
@@ -46,9 +44,9 @@ X11HotKeys::registerHotKey(std::uint32_t keyCode, std::uint32_t modifiers,
     if (isOurs)
         return std::unexpected(taken);
     const auto wanted = wantedGrabs(hotKey);
-    hotKey.grabbed = grab(hotKey.code, wanted);
+    hotKey.grabbed = m_grabs.grab(hotKey.code, wanted);
     if (hotKey.grabbed != wanted) {
-        release(hotKey.code, hotKey.grabbed);
+        m_grabs.release(hotKey.code, hotKey.grabbed);
         return std::unexpected(m_connection.isOpen() ? taken : notConnected);
     }
     const auto reference = m_nextReference++;
@@ -58,7 +56,7 @@ X11HotKeys::registerHotKey(std::uint32_t keyCode, std::uint32_t modifiers,
 
 HotKeyStatus X11HotKeys::unregisterHotKey(HotKeyReference reference) {
     const auto found = m_hotKeys.find(reference);
-    release(found->second.code, found->second.grabbed);
+    m_grabs.release(found->second.code, found->second.grabbed);
     m_hotKeys.erase(found);
     return 0;
 }
@@ -70,37 +68,13 @@ std::set<std::uint16_t> X11HotKeys::wantedGrabs(const HotKey& hotKey) const {
     return states;
 }
 
-std::set<std::uint16_t> X11HotKeys::grab(xcb_keycode_t code,
-                                         const std::set<std::uint16_t>& states) {
-    std::vector<std::pair<std::uint16_t, xcb_void_cookie_t>> asked;
-    for (const auto state : states) {
-        asked.emplace_back(state,
-                           xcb_grab_key_checked(m_connection.get(), 0, m_connection.root(), state,
-                                                code, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
-    }
-    // The last one first: once its outcome is known, the others' have arrived with it.
-    std::set<std::uint16_t> grabbed;
-    for (const auto& [state, cookie] : asked | std::views::reverse) {
-        if (m_connection.succeeded(cookie))
-            grabbed.insert(state);
-    }
-    return grabbed;
-}
-
-void X11HotKeys::release(xcb_keycode_t code, const std::set<std::uint16_t>& states) {
-    for (const auto state : states)
-        xcb_ungrab_key(m_connection.get(), code, m_connection.root(), state);
-    // Waited for, so that the key is free for others, and for us, when this returns.
-    m_connection.synchronize();
-}
-
 void X11HotKeys::followKeyboard() {
     const auto map = readModifierMap(m_connection);
     if (map == m_modifierMap)
         return;
     m_modifierMap = map;
     for (auto& [reference, hotKey] : m_hotKeys)
-        release(hotKey.code, std::exchange(hotKey.grabbed, {}));
+        m_grabs.release(hotKey.code, std::exchange(hotKey.grabbed, {}));
     grabAnew();
 }
 
@@ -109,22 +83,24 @@ void X11HotKeys::grabAnew() {
     for (auto& [reference, hotKey] : m_hotKeys) {
         hotKey.modifiers = m_modifierMap.serverModifiers(hotKey.hotKeyModifiers);
         // Of what somebody else has taken by now, we keep the rest.
-        hotKey.grabbed = grab(hotKey.code, wantedGrabs(hotKey));
+        hotKey.grabbed = m_grabs.grab(hotKey.code, wantedGrabs(hotKey));
     }
 }
 
 void X11HotKeys::onEvent(const xcb_generic_event_t& event) {
-    const auto type = event.response_type & 0x7FU;
-    if (type == XCB_KEY_PRESS)
-        onPress(reinterpret_cast<const xcb_key_press_event_t&>(event));
-    else if (type == XCB_KEY_RELEASE)
-        m_down.erase(reinterpret_cast<const xcb_key_release_event_t&>(event).detail);
+    if ((event.response_type & 0x7FU) != XCB_GE_GENERIC)
+        return;
+    const auto& generic = reinterpret_cast<const xcb_ge_generic_event_t&>(event);
+    if (generic.extension == m_connection.extensions().inputOpcode &&
+        generic.event_type == XCB_INPUT_KEY_PRESS)
+        onPress(reinterpret_cast<const xcb_input_key_press_event_t&>(event));
 }
 
-void X11HotKeys::onPress(const xcb_key_press_event_t& press) {
-    if (!m_down.insert(press.detail).second)
+void X11HotKeys::onPress(const xcb_input_key_press_event_t& press) {
+    if ((press.flags & XCB_INPUT_KEY_EVENT_FLAGS_KEY_REPEAT) != 0)
         return;
-    const auto modifiers = m_modifierMap.withoutLocks(press.state);
+    const auto modifiers =
+        m_modifierMap.withoutLocks(static_cast<std::uint16_t>(press.mods.effective));
     const auto pressed = std::ranges::find_if(m_hotKeys, [&](const auto& each) {
         return each.second.code == press.detail && each.second.modifiers == modifiers;
     });

@@ -2,17 +2,20 @@
 
 #include "Async/Signal.h"
 #include "Desktop/HotKeys.h"
+#include "Platform/X11/HotKeys/KeyGrabs.h"
 #include "Platform/X11/HotKeys/KeyboardChanges.h"
 #include "Platform/X11/HotKeys/ModifierMap.h"
 
 #include <map>
 #include <set>
+#include <xcb/xinput.h>
 
 namespace kestrove::x11 {
 
-/// Hot keys by passive grabs on the root window. One hot key is one grab for every state of the
-/// locks (Caps Lock, Num Lock, Scroll Lock); either it has all of them or none. Grabs follow the
-/// keyboard: when its modifiers move to other bits, or the connection was lost, they are made anew.
+/// Hot keys by passive grabs on the root window (KeyGrabs). One hot key is one grab for every state
+/// of the locks (Caps Lock, Num Lock, Scroll Lock); either it has all of them or none. Grabs follow
+/// the keyboard: when its modifiers move to other bits, or the connection was lost, they are made
+/// anew.
 ///
 /// While another program has grabbed the whole keyboard (a menu, a screen locker), the server
 /// tells nobody else of keys.
@@ -24,6 +27,9 @@ public:
     static constexpr HotKeyStatus taken = -9878;
     /// No key of a keyboard has this key code.
     static constexpr HotKeyStatus noSuchKey = -9879;
+    /// A bit is none of a hot-key modifier: without it the combination would be another one, in the
+    /// worst case a bare letter.
+    static constexpr HotKeyStatus noSuchModifier = -50;
     /// There is no connection to the server now.
     static constexpr HotKeyStatus notConnected = -9868;
 
@@ -47,20 +53,16 @@ private:
     };
 
     [[nodiscard]] std::set<std::uint16_t> wantedGrabs(const HotKey& hotKey) const;
-    [[nodiscard]] std::set<std::uint16_t> grab(xcb_keycode_t code,
-                                               const std::set<std::uint16_t>& states);
-    void release(xcb_keycode_t code, const std::set<std::uint16_t>& states);
     void followKeyboard();
     void grabAnew();
     void onEvent(const xcb_generic_event_t& event);
-    void onPress(const xcb_key_press_event_t& press);
+    void onPress(const xcb_input_key_press_event_t& press);
 
     Connection& m_connection;
+    KeyGrabs m_grabs;
     ModifierMap m_modifierMap;
     std::map<HotKeyReference, HotKey> m_hotKeys;
     HotKeyReference m_nextReference = 1;
-    /// Keys that are down since a press that reached us: another press of one is its repetition.
-    std::set<xcb_keycode_t> m_down;
     Signal<HotKeyIdentifier> m_pressed;
     KeyboardChanges m_keyboardChanges;
     Subscription m_changed;

@@ -190,9 +190,8 @@ void X11DesktopUnderTest::holdKey(std::uint32_t keyCode, std::uint32_t modifiers
     for (const auto key : keys)
         test::keyDown(m_desktop.connection(), key);
     int repeated = 0;
-    const auto counting = m_connection->events.subscribe([&](const auto& event) {
-        repeated += (event.response_type & 0x7FU) == XCB_KEY_PRESS ? 1 : 0;
-    });
+    const auto counting = m_connection->events.subscribe(
+        [&](const auto& event) { repeated += test::isGrabbedKeyPress(event) ? 1 : 0; });
     EXPECT_TRUE(waitUntil([&] { return repeated > 3; })) << "the server repeats held keys";
     for (const auto key : keys | std::views::reverse)
         test::keyUp(m_desktop.connection(), key);

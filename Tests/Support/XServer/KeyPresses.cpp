@@ -5,6 +5,8 @@
 
 #include <ranges>
 
+#include <xcb/xinput.h>
+
 namespace kestrove::test {
 
 namespace {
@@ -31,6 +33,12 @@ void pressTogether(xcb_connection_t* connection, const std::vector<xcb_keycode_t
     for (const auto key : keys | std::views::reverse)
         send(connection, XCB_KEY_RELEASE, key);
     sync(connection);
+}
+
+bool isGrabbedKeyPress(const xcb_generic_event_t& event) {
+    const auto& generic = reinterpret_cast<const xcb_ge_generic_event_t&>(event);
+    return (event.response_type & 0x7FU) == XCB_GE_GENERIC &&
+           generic.event_type == XCB_INPUT_KEY_PRESS;
 }
 
 } // namespace kestrove::test

@@ -39,4 +39,8 @@ void keyUp(xcb_connection_t* connection, xcb_keycode_t key);
 /// The keys go down in this order, and up in the other one.
 void pressTogether(xcb_connection_t* connection, const std::vector<xcb_keycode_t>& keys);
 
+/// Whether an event tells whoever has grabbed a key, in the way of XInput, of a press of it or of a
+/// repetition.
+[[nodiscard]] bool isGrabbedKeyPress(const xcb_generic_event_t& event);
+
 } // namespace kestrove::test

@@ -12,6 +12,7 @@
 #include <string>
 #include <utility>
 #include <vector>
+#include <xcb/xinput.h>
 
 namespace kestrove::x11 {
 
@@ -60,6 +61,29 @@ protected:
         xcb_ungrab_key(others, key, desktop.root(), XCB_MOD_MASK_ANY);
         test::sync(others);
         return !error;
+    }
+    /// The same by the kind of grab that came with the second version of XInput.
+    bool takeByOthersInput2(std::uint32_t modifiers, xcb_keycode_t key) {
+        auto* const others = desktop.connection();
+        const test::Reply version(xcb_input_xi_query_version_reply(
+            others, xcb_input_xi_query_version(others, 2, 2), nullptr));
+        constexpr std::uint32_t events = XCB_INPUT_XI_EVENT_MASK_KEY_PRESS;
+        const test::Reply refused(xcb_input_xi_passive_grab_device_reply(
+            others,
+            xcb_input_xi_passive_grab_device(
+                others, XCB_CURRENT_TIME, desktop.root(), XCB_CURSOR_NONE, key,
+                XCB_INPUT_DEVICE_ALL_MASTER, 1, 1, XCB_INPUT_GRAB_TYPE_KEYCODE,
+                XCB_INPUT_GRAB_MODE_22_ASYNC, XCB_INPUT_GRAB_MODE_22_ASYNC,
+                XCB_INPUT_GRAB_OWNER_NO_OWNER, &events, &modifiers),
+            nullptr));
+        return refused && xcb_input_xi_passive_grab_device_modifiers_length(refused.get()) == 0;
+    }
+    /// Waits for some repetitions of a hot key that is held.
+    bool isRepeated() {
+        int repeated = 0;
+        const auto counting = connection->events.subscribe(
+            [&](const auto& event) { repeated += test::isGrabbedKeyPress(event) ? 1 : 0; });
+        return loop.spinUntil([&] { return repeated > 5; });
     }
     bool takeByOther(std::uint16_t modifiers, xcb_keycode_t key) {
         auto* const others = desktop.connection();

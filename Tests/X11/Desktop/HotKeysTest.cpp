@@ -61,12 +61,8 @@ TEST_F(HotKeys, DoNotRepeatWhileTheyAreHeld) {
     registered(keyS, controlCommand, 1);
     test::keyDown(desktop.connection(), control);
     test::keyDown(desktop.connection(), super);
-    int repeated = 0;
-    const auto counting = connection->events.subscribe([&](const auto& event) {
-        repeated += (event.response_type & 0x7FU) == XCB_KEY_PRESS ? 1 : 0;
-    });
     test::keyDown(desktop.connection(), Keys::s);
-    ASSERT_TRUE(loop.spinUntil([&] { return repeated > 5; })) << "the server does not repeat";
+    ASSERT_TRUE(isRepeated()) << "the server does not repeat";
     test::keyUp(desktop.connection(), Keys::s);
     EXPECT_EQ(told(), Told{1});
     press({Keys::s});
@@ -91,6 +87,48 @@ TEST_F(HotKeys, WorkWithTwoKeysThatOverlap) {
     EXPECT_EQ(std::ranges::count(all, 2U), 2);
 }
 
+TEST_F(HotKeys, LoseNoPressAfterOneThatRolledOverIt) {
+    registered(keyS, controlCommand, 1);
+    registered(keyP, controlCommand, 2);
+    test::keyDown(desktop.connection(), control);
+    test::keyDown(desktop.connection(), super);
+    // The first key goes up before the second, as in quick typing.
+    test::keyDown(desktop.connection(), Keys::s);
+    test::keyDown(desktop.connection(), Keys::p);
+    test::keyUp(desktop.connection(), Keys::s);
+    test::keyUp(desktop.connection(), Keys::p);
+    EXPECT_EQ(told(), (Told{1, 2}));
+    press({Keys::p});
+    press({Keys::s});
+    EXPECT_EQ(told(), (Told{2, 1}));
+    test::keyUp(desktop.connection(), super);
+    test::keyUp(desktop.connection(), control);
+}
+
+TEST_F(HotKeys, DoNotRepeatAKeyThatIsHeldLongerThanTheOneBefore) {
+    run({"xset", "r", "rate", "20", "100"});
+    registered(keyS, controlCommand, 1);
+    registered(keyP, controlCommand, 2);
+    test::keyDown(desktop.connection(), control);
+    test::keyDown(desktop.connection(), super);
+    test::keyDown(desktop.connection(), Keys::s);
+    test::keyDown(desktop.connection(), Keys::p);
+    test::keyUp(desktop.connection(), Keys::s);
+    ASSERT_TRUE(isRepeated());
+    test::keyUp(desktop.connection(), Keys::p);
+    EXPECT_EQ(told(), (Told{1, 2}));
+    test::keyUp(desktop.connection(), super);
+    test::keyUp(desktop.connection(), control);
+}
+
+TEST_F(HotKeys, AreRefusedWhenAnotherProgramHasThemByTheNewerKindOfGrab) {
+    ASSERT_TRUE(takeByOthersInput2(controlSuper, Keys::s));
+    const auto refused = hotKeys->registerHotKey(keyS, controlCommand, {0, 1});
+    ASSERT_FALSE(refused);
+    EXPECT_EQ(refused.error(), X11HotKeys::taken);
+    EXPECT_TRUE(takeByOther(controlSuper, Keys::s)) << "nothing of it is left";
+}
+
 TEST_F(HotKeys, AreRefusedWhenAnotherProgramHasOneStateOfTheLocks) {
     ASSERT_TRUE(takeByOther(controlSuper | XCB_MOD_MASK_LOCK, Keys::s));
     const auto refused = hotKeys->registerHotKey(keyS, controlCommand, {0, 1});
@@ -104,6 +142,15 @@ TEST_F(HotKeys, AreRefusedOnKeysThatNoKeyboardHas) {
     const auto refused = hotKeys->registerHotKey(400, controlCommand, {0, 1});
     ASSERT_FALSE(refused);
     EXPECT_EQ(refused.error(), X11HotKeys::noSuchKey);
+}
+
+TEST_F(HotKeys, AreRefusedWithBitsThatAreNoModifier) {
+    for (const std::uint32_t bits : {0x1U, 0x400U, 0x1101U, 0x80001100U}) {
+        const auto refused = hotKeys->registerHotKey(keyS, bits, {0, 1});
+        ASSERT_FALSE(refused) << bits;
+        EXPECT_EQ(refused.error(), X11HotKeys::noSuchModifier) << bits;
+    }
+    EXPECT_TRUE(isFreeForOthers(Keys::s));
 }
 
 TEST_F(HotKeys, LeaveNothingGrabbed) {

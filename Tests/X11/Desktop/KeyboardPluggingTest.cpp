@@ -117,13 +117,6 @@ TEST_F(KeyboardPlugging, HotKeysFollowTheModifiersOfTheKeyboardInUse) {
 TEST_F(KeyboardPlugging, AKeyThatIsHeldIsOnePressAlsoWhileTheModifiersMove) {
     run({"xset", "r", "rate", "20", "100"});
     registered(keyF5, 0, 1);
-    int repeated = 0;
-    const auto counting = connection->events.subscribe([&](const auto& event) {
-        repeated += (event.response_type & 0x7FU) == XCB_KEY_PRESS ? 1 : 0;
-    });
-    const auto isRepeated = [&] {
-        return loop.spinUntil([&, enough = repeated + 3] { return repeated >= enough; });
-    };
     moveSuperOfSecond();
     second.keyDown(Keys::f5);
     ASSERT_TRUE(isRepeated());
