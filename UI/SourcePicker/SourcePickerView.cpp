@@ -8,6 +8,7 @@
 #include <QScrollBar>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <utility>
 
 namespace kestrove {
@@ -117,6 +118,7 @@ SourcePickerContent SourcePickerView::content() const {
 
 void SourcePickerView::render() {
     const auto shown = content();
+    const bool wasOnTile = m_isAtStart || isKeyboardOnTile();
     m_header->show(shown);
     for (std::size_t index = 0; index < m_sections.size(); ++index)
         m_sections[index]->show(index < shown.sections.size() ? shown.sections[index]
@@ -125,7 +127,7 @@ void SourcePickerView::render() {
         renderEmptyState(*shown.emptyState);
     m_emptyState->setVisible(shown.emptyState.has_value());
     m_scroll->setVisible(!shown.emptyState);
-    keepCurrent();
+    keepCurrent(wasOnTile);
 }
 
 void SourcePickerView::renderEmptyState(const SourcePickerEmptyState& state) {
@@ -191,7 +193,14 @@ void SourcePickerView::setCurrent(std::optional<CaptureSource> source) {
     }
 }
 
-void SourcePickerView::keepCurrent() {
+bool SourcePickerView::isKeyboardOnTile() const {
+    const auto* const focused = focusWidget();
+    return std::ranges::any_of(m_sections, [focused](const TileSection* section) {
+        return std::ranges::find(section->tiles(), focused) != section->tiles().end();
+    });
+}
+
+void SourcePickerView::keepCurrent(bool takesKeyboard) {
     const bool isThere = m_current && placeOf(*m_current);
     const auto first = tileAfter({}, TileMove::first, 1, tileCounts());
     if (isThere && !m_isAtStart)
@@ -201,17 +210,17 @@ void SourcePickerView::keepCurrent() {
     const auto* const tile = m_sections[first->section]->tiles()[first->index];
     setCurrent(tile->content().preview.id);
     // Not taken from the button, if the user is there.
-    if (m_isAtStart || focusWidget() == nullptr) {
-        const bool wasAtStart = m_isAtStart;
-        focusTile(*first);
-        m_isAtStart = wasAtStart;
-    }
+    if (!takesKeyboard)
+        return;
+    const bool wasAtStart = m_isAtStart;
+    focusTile(*first);
+    m_isAtStart = wasAtStart;
 }
 
 void SourcePickerView::startOver() {
     m_isAtStart = true;
     m_scroll->verticalScrollBar()->setValue(0);
-    keepCurrent();
+    keepCurrent(true);
 }
 
 } // namespace kestrove

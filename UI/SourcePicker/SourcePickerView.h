@@ -50,7 +50,9 @@ private:
     void move(CaptureSource from, TileMove move);
     void focusTile(TilePlace place);
     void setCurrent(std::optional<CaptureSource> source);
-    void keepCurrent();
+    [[nodiscard]] bool isKeyboardOnTile() const;
+    /// Where the current tile has gone, another one is it, and has the keyboard if that one had it.
+    void keepCurrent(bool takesKeyboard);
 
     SourcePickerModel& m_model;
     AppSettings& m_settings;

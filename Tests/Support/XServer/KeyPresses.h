@@ -29,6 +29,8 @@ inline constexpr xcb_keycode_t w = 25;
 inline constexpr xcb_keycode_t f4 = 70;
 inline constexpr xcb_keycode_t f5 = 71;
 inline constexpr xcb_keycode_t up = 111;
+inline constexpr xcb_keycode_t left = 113;
+inline constexpr xcb_keycode_t right = 114;
 inline constexpr xcb_keycode_t down = 116;
 } // namespace ServerKey
 

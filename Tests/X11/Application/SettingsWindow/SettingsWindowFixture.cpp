@@ -36,7 +36,7 @@ bool hasLine(const std::string& told, const std::string& beginning) {
 
 } // namespace
 
-SettingsWindowFixture::SettingsWindowFixture()
+SettingsWindowFixture::SettingsWindowFixture(const std::string& title)
     : ApplicationFixture(WindowManager::openbox, SessionBus::own) {
     const auto pipe = desktop.folder() / "questions";
     if (::mkfifo(pipe.c_str(), 0600) != 0)
@@ -44,7 +44,7 @@ SettingsWindowFixture::SettingsWindowFixture()
     // For reading too: to open it does not wait for the reader then.
     m_questions = ::open(pipe.c_str(), O_RDWR | O_CLOEXEC);
     m_reader = desktop.start({"sh", "-c", R"(exec /usr/bin/python3 "$0" "$1" < "$2")",
-                              KESTROVE_WINDOW_READER, "Kestrove 設定", pipe.string()});
+                              KESTROVE_WINDOW_READER, title, pipe.string()});
 }
 
 SettingsWindowFixture::~SettingsWindowFixture() {

@@ -12,11 +12,12 @@
 
 namespace kestrove::test {
 
-/// The program on a desktop with assistive technology, by which the settings window is read: what
-/// a screen reader is told is what is expected of it.
+/// The program on a desktop with assistive technology, by which the settings window, or another
+/// one, is read: what a screen reader is told is what is expected of it.
 class SettingsWindowFixture : public ApplicationFixture {
 protected:
-    SettingsWindowFixture();
+    /// `title` is that of the window that is read.
+    explicit SettingsWindowFixture(const std::string& title = "Kestrove 設定");
     ~SettingsWindowFixture() override;
 
     /// Starts the program with these settings, which share the right display, and opens the window.
