@@ -1,3 +1,4 @@
+#include "Platform/X11/HotKeys/XkbProtocol.h"
 #include "Tests/Support/PixelReader/PixelReader.h"
 #include "Tests/Support/Processes/FileContent.h"
 #include "Tests/Support/Processes/Waiting.h"
@@ -5,6 +6,8 @@
 #include "Tests/Support/XServer/KeyPresses.h"
 #include "Tests/Support/XServer/Reply.h"
 #include "Tests/X11/Application/ApplicationFixture.h"
+
+#include <fmt/format.h>
 
 #include <optional>
 #include <string>
@@ -33,10 +36,33 @@ protected:
             desktop.connection(), xcb_get_input_focus(desktop.connection()), nullptr));
         return reply ? reply->focus : xcb_window_t{XCB_WINDOW_NONE};
     }
+    [[nodiscard]] bool isPickerFocused() const {
+        const Reply title(xcb_get_property_reply(
+            desktop.connection(),
+            xcb_get_property(desktop.connection(), 0, focused(), server.atom("_NET_WM_NAME"),
+                             XCB_ATOM_ANY, 0, 100),
+            nullptr));
+        return title && std::string_view(
+                            static_cast<const char*>(xcb_get_property_value(title.get())),
+                            static_cast<std::size_t>(xcb_get_property_value_length(title.get()))) ==
+                            "kestrove — ソース選択";
+    }
     void press(const std::vector<xcb_keycode_t>& keys) {
         pressTogether(desktop.connection(), keys);
     }
     void pressControlSuper(xcb_keycode_t key) { press({Keys::control, Keys::super, key}); }
+    void setLayout(const char* layout) {
+        const auto program = desktop.start({"setxkbmap", layout});
+        EXPECT_TRUE(program->waitForExit(patience) && program->exitCode() == 0) << layout;
+    }
+    /// Which layout of those that are set is the one in use.
+    void chooseGroup(std::uint8_t group) {
+        auto* const connection = desktop.connection();
+        const Reply used(xcb_xkb_use_extension_reply(
+            connection, xcb_xkb_use_extension(connection, 1, 0), nullptr));
+        xcb_xkb_latch_lock_state(connection, XCB_XKB_ID_USE_CORE_KBD, 0, 0, 1, group, 0, 0, 0);
+        sync(connection);
+    }
     [[nodiscard]] bool stores(std::string_view text) {
         return waitUntil([&] { return contentOf(settingsFile()).find(text) != std::string::npos; });
     }
@@ -110,6 +136,60 @@ TEST_F(Shortcuts, HideTheWindowAndShowIt) {
     pressControlSuper(Keys::w);
     EXPECT_TRUE(stores("kestrove.hideOutputWindow=false"));
     EXPECT_TRUE(waitUntil([this] { return focused() == window(); }));
+}
+
+TEST_F(Shortcuts, AreInTheSamePlaceOnEveryLayoutWhateverTheLocks) {
+    startUnfocused();
+    for (const auto* const layout : {"jp,us", "us,jp"}) {
+        setLayout(layout);
+        for (const std::uint8_t group : {0, 1}) {
+            chooseGroup(group);
+            for (const auto lock : {Keys::capsLock, Keys::numLock}) {
+                const auto where = fmt::format("{} {} {}", layout, group, lock);
+                press({lock});
+                focusOther();
+                pressControlSuper(Keys::s);
+                EXPECT_TRUE(shows(right, "started")) << where;
+                focusOther();
+                pressControlSuper(Keys::s);
+                EXPECT_TRUE(showsPlaceholder("stopped")) << where;
+                focusOther();
+                pressControlSuper(Keys::h);
+                EXPECT_TRUE(stores("kestrove.hideOutputWindow=true")) << where;
+                pressControlSuper(Keys::w);
+                EXPECT_TRUE(stores("kestrove.hideOutputWindow=false")) << where;
+                EXPECT_TRUE(waitUntil([this] { return focused() == window(); })) << where;
+                focusOther();
+                pressControlSuper(Keys::p);
+                EXPECT_TRUE(waitUntil([this] { return isPickerFocused(); })) << where;
+                press({Keys::escape});
+                EXPECT_TRUE(waitUntil([this] { return !isPickerFocused(); })) << where;
+            }
+        }
+    }
+}
+
+TEST_F(Shortcuts, AreEachDoneAsOftenAsTheyArePressed) {
+    startUnfocused();
+    keyDown(desktop.connection(), Keys::control);
+    keyDown(desktop.connection(), Keys::super);
+    for (int time = 0; time < 3; ++time)
+        press({Keys::h});
+    EXPECT_TRUE(stores("kestrove.hideOutputWindow=true"));
+    for (int time = 0; time < 2; ++time)
+        press({Keys::w});
+    EXPECT_TRUE(stores("kestrove.hideOutputWindow=false"));
+    EXPECT_TRUE(waitUntil([this] { return focused() == window(); }));
+    focusOther();
+    // Started, stopped, and started again.
+    for (int time = 0; time < 3; ++time) {
+        press({Keys::s});
+        if (time == 1)
+            EXPECT_TRUE(showsPlaceholder("stopped by the second press"));
+    }
+    keyUp(desktop.connection(), Keys::super);
+    keyUp(desktop.connection(), Keys::control);
+    EXPECT_TRUE(shows(right, "started by the third"));
 }
 
 TEST_F(Shortcuts, AreTheSavedOnes) {
