@@ -19,7 +19,8 @@ namespace {
 
 /// Of the screen: so much is left for panels and the window's frame.
 constexpr double mostOfTheScreen = 0.9;
-constexpr int preferredWidth = 520;
+constexpr int preferredWidth = 520; ///< in points, of which 96 make an inch of the desktop
+constexpr int pointsPerInch = 96;
 constexpr int linesInReserve = 5;
 
 /// A scrolling frame around the form, for screens that are too low for it. It remembers where the
@@ -62,8 +63,9 @@ protected:
 private:
     void fit(const SettingsView& view) {
         const auto room = screen()->availableSize() * mostOfTheScreen;
+        const int preferred = preferredWidth * view.logicalDpiX() / pointsPerInch;
         const int width =
-            std::min(std::max(preferredWidth, view.minimumSizeHint().width()), room.width());
+            std::min(std::max(preferred, view.minimumSizeHint().width()), room.width());
         const int height =
             view.hasHeightForWidth() ? view.heightForWidth(width) : view.sizeHint().height();
         // A failure has a line or two more to say.
