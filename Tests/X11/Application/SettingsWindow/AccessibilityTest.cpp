@@ -1,10 +1,15 @@
+#include "Tests/Support/Processes/FileContent.h"
+#include "Tests/Support/Processes/Waiting.h"
 #include "Tests/X11/Application/SettingsWindow/SettingsWindowFixture.h"
 
+#include <filesystem>
 #include <sstream>
 #include <string>
 
 namespace kestrove::test {
 namespace {
+
+namespace Keys = ServerKey;
 
 class SettingsWindowAccessibility : public SettingsWindowFixture {
 protected:
@@ -61,6 +66,29 @@ TEST_F(SettingsWindowAccessibility, TellsEveryElementInItsOrder) {
             "label|クリックまたは Space / Return で入力を開始します。通常キーは修飾キーが必要です。"
             "F1〜F15は単独でも設定できます。Escape でキャンセルします。||enabled||\n"
             "push button|デフォルトに戻す||focusable,enabled|Press,SetFocus|\n");
+}
+
+TEST_F(SettingsWindowAccessibility, AnnouncesWhatBecameOfAShortcut) {
+    open();
+    const auto heard = desktop.folder() / "heard";
+    const auto listener = desktop.start(
+        {"sh", "-c",
+         "address=$(dbus-send --session --print-reply=literal --dest=org.a11y.Bus /org/a11y/bus "
+         "org.a11y.Bus.GetAddress | tr -d ' ') && "
+         "exec dbus-monitor --address \"$address\" \"member='Announcement'\" > \"$0\"",
+         heard.string()});
+    const auto hears = [&](const std::string& text) {
+        return waitUntil([&] {
+            return std::filesystem::exists(heard) &&
+                   contentOf(heard).find(text) != std::string::npos;
+        });
+    };
+    // What it says of its own connection: it listens.
+    ASSERT_TRUE(hears("member=NameAcquired"));
+    record(startStop, {Keys::control, Keys::super, Keys::p});
+    EXPECT_TRUE(hears("string \"ほかの操作と重複しています\""));
+    record(startStop, {Keys::control, Keys::super, Keys::d});
+    EXPECT_TRUE(hears("string \"適用済み\""));
 }
 
 } // namespace
