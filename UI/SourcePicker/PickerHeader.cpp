@@ -17,6 +17,7 @@ constexpr double titleScale = 1.6;
 // Points.
 constexpr double gap = 12;
 constexpr double progressHeight = 3;
+constexpr double narrowestButton = 84;
 
 } // namespace
 
@@ -32,6 +33,7 @@ PickerHeader::PickerHeader(std::function<void()> refresh)
     m_title->setFont(titleFont);
     connect(m_refresh, &QPushButton::clicked, this, [action = std::move(refresh)] { action(); });
     m_refresh->setAutoDefault(false);
+    m_refresh->setMinimumWidth(measures.pixels(narrowestButton));
     m_progress->setTextVisible(false);
     m_progress->setFixedHeight(measures.pixels(progressHeight));
     m_progress->setAccessibleName(qtText(SourcePickerTexts::loading));

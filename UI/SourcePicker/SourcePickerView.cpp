@@ -5,6 +5,7 @@
 #include "UI/SourcePicker/PickerMeasures.h"
 #include "UI/SourcePicker/SourceTile.h"
 
+#include <QEvent>
 #include <QScrollBar>
 #include <QVBoxLayout>
 
@@ -103,6 +104,13 @@ void SourcePickerView::refresh() {
 void SourcePickerView::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
     refresh();
+}
+
+void SourcePickerView::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    // The symbol is drawn in the colours of the theme.
+    if (event->type() == QEvent::PaletteChange)
+        scheduleRender();
 }
 
 SourcePickerContent SourcePickerView::content() const {

@@ -23,6 +23,7 @@ constexpr double pictureRadius = 6;
 constexpr double selectedBorder = 3;
 constexpr double focusBorder = 2;
 constexpr double textGap = 6;
+constexpr double lineGap = 2;
 constexpr double badgeFontSize = 10;
 constexpr double tickSize = 20;
 
@@ -114,7 +115,7 @@ int SourceTile::heightForTileWidth(int width, const QWidget& device) {
     const int margin = measures.pixels(inset);
     const int picture = static_cast<int>((width - 2 * margin) * pictureProportion);
     return margin + picture + measures.pixels(textGap) +
-           lineHeight(scaledFont(device.font(), titleScale)) +
+           lineHeight(scaledFont(device.font(), titleScale)) + measures.pixels(lineGap) +
            lineHeight(scaledFont(device.font(), subtitleScale)) + margin;
 }
 
@@ -130,7 +131,7 @@ SourceTile::Places SourceTile::places() const {
     const int textMargin = margin + measures.pixels(2);
     const int textWidth = rect().width() - 2 * textMargin;
     places.title = {textMargin, textTop, textWidth, titleHeight};
-    places.subtitle = {textMargin, textTop + titleHeight, textWidth,
+    places.subtitle = {textMargin, textTop + titleHeight + measures.pixels(lineGap), textWidth,
                        lineHeight(scaledFont(font(), subtitleScale))};
     return places;
 }
