@@ -99,6 +99,16 @@ TEST_F(SettingsWindowFailures, ASavedBareLetterGivesWayToTheDefaults) {
     EXPECT_TRUE(stores(storedDefaults));
 }
 
+TEST_F(SettingsWindowFailures, ASavedBitThatIsNoModifierTakesNoBareLetter) {
+    open(savedStartStop(R"({"keyCode":1,"modifiers":1,"characters":"s"})"));
+    EXPECT_TRUE(tellsDefaultsInForce());
+    EXPECT_TRUE(tells({recovered}));
+    EXPECT_TRUE(stores(storedDefaults));
+    focusOther();
+    press({Keys::s});
+    EXPECT_TRUE(showsPlaceholder("it belongs to the program with the focus"));
+}
+
 TEST_F(SettingsWindowFailures, ASavedKeyThatNoKeyboardHasGivesWayToTheDefaults) {
     open(savedStartStop(R"({"keyCode":4000,"modifiers":4352,"characters":"?"})"));
     EXPECT_TRUE(tellsDefaultsInForce());
