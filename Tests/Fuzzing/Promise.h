@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
-#include <unicode/utf8.h>
+#include <unicode/ustring.h>
 #include <vector>
 
 namespace kestrove::fuzzing {
@@ -17,14 +17,19 @@ inline void promise(bool holds, const char* what) {
     std::abort();
 }
 
-/// By a library's word, not by ours: valid UTF-8 without control characters.
+/// Valid UTF-8, by a library's word and not by ours, without control characters.
 inline bool isReadable(std::string_view text) {
-    const auto* const bytes = reinterpret_cast<const std::uint8_t*>(text.data());
-    const auto length = static_cast<std::int32_t>(text.size());
-    for (std::int32_t at = 0; at < length;) {
-        UChar32 character = 0;
-        U8_NEXT(bytes, at, length, character);
-        if (character < 0x20 || (character >= 0x7F && character < 0xA0))
+    UErrorCode status = U_ZERO_ERROR;
+    std::int32_t units = 0;
+    u_strFromUTF8(nullptr, 0, &units, text.data(), static_cast<std::int32_t>(text.size()), &status);
+    // That there is no room for the result is no failure: only the reading is asked for.
+    if (U_FAILURE(status) && status != U_BUFFER_OVERFLOW_ERROR)
+        return false;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<std::uint8_t>(text[i]);
+        const bool isLateControl =
+            byte == 0xC2 && static_cast<std::uint8_t>(text[i + 1]) < 0xA0; // U+0080 to U+009F
+        if (byte < 0x20 || byte == 0x7F || isLateControl)
             return false;
     }
     return true;
