@@ -144,10 +144,10 @@ void PanelView::show(PanelRow& row, const MenuButton& button) {
 }
 
 void PanelView::show(const std::vector<MenuButton>& buttons, std::vector<PanelRow*>& rows,
-                     QVBoxLayout& into) {
+                     QVBoxLayout& into, PanelRowContent::Kind kind) {
     for (std::size_t place = 0; place < buttons.size(); ++place) {
         if (place == rows.size()) {
-            rows.push_back(new PanelRow({}, {}));
+            rows.push_back(new PanelRow({.kind = kind}, {}));
             into.addWidget(rows.back());
             rows.back()->setVisible(true); // now, so that the panel's size counts it
         }
@@ -183,7 +183,7 @@ void PanelView::render(const MenuContent& content) {
     const auto some = [](const std::optional<MenuButton>& button) {
         return button ? std::vector{*button} : std::vector<MenuButton>{};
     };
-    show(some(content.picker), m_picker, *m_pickerPlace);
+    show(some(content.picker), m_picker, *m_pickerPlace, PanelRowContent::Kind::borderedCommand);
 
     const auto& sources = content.sources;
     m_sourcesTitle->setText(qtText(sources.title));

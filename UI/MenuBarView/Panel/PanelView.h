@@ -54,7 +54,7 @@ private:
     void run(MenuCommand command);
     /// Shows one row a button, and no more.
     void show(const std::vector<MenuButton>& buttons, std::vector<PanelRow*>& rows,
-              QVBoxLayout& into);
+              QVBoxLayout& into, PanelRowContent::Kind kind = PanelRowContent::Kind::command);
     void show(PanelRow& row, const MenuButton& button);
     /// All that can be chosen now, from top to bottom.
     [[nodiscard]] std::vector<PanelRow*> rows() const;
