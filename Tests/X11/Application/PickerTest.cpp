@@ -109,8 +109,11 @@ protected:
         });
     }
     void clickThumbnail(std::uint32_t color) {
-        const auto spot = findThumbnail(picture(), color);
-        ASSERT_TRUE(spot);
+        std::optional<Spot> spot;
+        ASSERT_TRUE(waitUntil([&] {
+            spot = findThumbnail(picture(), color);
+            return spot.has_value();
+        }));
         const Reply place(xcb_translate_coordinates_reply(
             desktop.connection(),
             xcb_translate_coordinates(desktop.connection(), m_picker, desktop.root(),
