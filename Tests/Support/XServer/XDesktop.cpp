@@ -19,7 +19,16 @@ namespace {
 
 bool needsSessionBus(WindowManager manager) {
     using enum WindowManager;
-    return manager == xfwm4 || manager == metacity;
+    return manager == xfwm4 || manager == metacity || manager == mutter || manager == kwin;
+}
+
+/// Windows float, as they do with the other window managers.
+std::string i3Configuration(const std::filesystem::path& folder) {
+    const auto file = folder / "i3.conf";
+    std::ofstream(file) << "# i3 config file (v4)\n"
+                           "for_window [class=\".*\"] floating enable\n"
+                           "font pango:monospace 8\n";
+    return file;
 }
 
 } // namespace
@@ -87,6 +96,17 @@ void XDesktop::startWindowManager(WindowManager manager) {
     case WindowManager::metacity:
         m_windowManager = start({"metacity", "--no-composite", "--sm-disable"});
         break;
+    case WindowManager::mutter:
+        // A compositor always.
+        m_windowManager = start({"mutter", "--x11", "--sm-disable"});
+        break;
+    case WindowManager::kwin:
+        m_answersAboutFrames = AnswersAboutFrames::no;
+        m_windowManager = start({"kwin_x11", "--no-kactivities"});
+        break;
+    case WindowManager::i3:
+        m_windowManager = start({"i3", "-c", i3Configuration(m_folder.path())});
+        break;
     }
     m_probe = xcb_generate_id(connection());
     xcb_create_window(connection(), XCB_COPY_FROM_PARENT, m_probe, root(), 0, 0, 1, 1, 0,
@@ -115,6 +135,12 @@ bool XDesktop::hasWindowManager() const {
     if (check == XCB_WINDOW_NONE ||
         m_server.propertyItem(check, "_NET_SUPPORTING_WM_CHECK") != check) {
         return false;
+    }
+    if (m_answersAboutFrames == AnswersAboutFrames::no) {
+        // Whoever takes over a window says so.
+        xcb_map_window(connection(), m_probe);
+        sync(connection());
+        return m_server.hasProperty(m_probe, "WM_STATE");
     }
     // openbox says so before it listens, and a request that arrives in between waits for the next
     // event, which may never come. So ask until there is an answer: then it does listen.

@@ -10,7 +10,7 @@
 
 namespace kestrove::test {
 
-enum class WindowManager { none, openbox, xfwm4, metacity };
+enum class WindowManager { none, openbox, xfwm4, metacity, mutter, kwin, i3 };
 enum class Compositor { none, picom };
 enum class SessionBus { none, own };
 
@@ -63,9 +63,13 @@ private:
     void waitForProgram(ChildProcess& program, bool (XDesktop::*isReady)() const);
     void printLogs() const;
 
+    /// Whether the window manager knows _NET_REQUEST_FRAME_EXTENTS.
+    enum class AnswersAboutFrames : std::uint8_t { no, yes };
+
     TemporaryFolder m_folder;
     XServer m_server;
     int m_logCount = 0;
+    AnswersAboutFrames m_answersAboutFrames = AnswersAboutFrames::yes;
     xcb_window_t m_probe =
         XCB_WINDOW_NONE; ///< never mapped; window managers answer questions on it
     std::string m_busAddress;

@@ -22,10 +22,12 @@ void fill(PixelImage& image, int left, int top, int width, int height, Color col
 
 } // namespace
 
-PaintedDisplay::PaintedDisplay(XDesktop& desktop, const xcb_rectangle_t& place, WindowFill fill)
+PaintedDisplay::PaintedDisplay(XDesktop& desktop, const xcb_rectangle_t& place, WindowFill fill,
+                               std::uint8_t depth)
     : m_desktop(desktop)
     , m_place(place)
-    , m_window(desktop.displayName(), {.geometry = place, .fill = fill, .overrideRedirect = true}) {
+    , m_window(desktop.displayName(),
+               {.geometry = place, .depth = depth, .fill = fill, .overrideRedirect = true}) {
     // Window managers put what they manage anywhere among the others.
     const std::uint32_t below = XCB_STACK_MODE_BELOW;
     xcb_configure_window(m_window.connection(), m_window.id(), XCB_CONFIG_WINDOW_STACK_MODE,

@@ -10,7 +10,9 @@ namespace kestrove::test {
 /// and has a pointer of its own.
 class PaintedDisplay {
 public:
-    PaintedDisplay(XDesktop& desktop, const xcb_rectangle_t& place, WindowFill fill);
+    /// With `depth` 32 it has no shadow, whichever compositor there is.
+    PaintedDisplay(XDesktop& desktop, const xcb_rectangle_t& place, WindowFill fill,
+                   std::uint8_t depth);
 
     /// In pixels of the display.
     void paint(const xcb_rectangle_t& rectangle, Color color);

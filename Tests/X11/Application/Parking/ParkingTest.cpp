@@ -1,5 +1,9 @@
 #include "Tests/Support/Processes/Waiting.h"
 #include "Tests/X11/Application/Parking/SteeredFixture.h"
+#include "Tests/X11/Application/Parking/WindowGrab.h"
+
+#include <fmt/core.h>
+#include <optional>
 
 namespace kestrove::test {
 namespace {
@@ -16,12 +20,32 @@ protected:
 
     /// What the display shows becomes another, and the output follows.
     testing::AssertionResult isLive(PaintedDisplay& display, std::string_view name) {
-        m_shade += 0x00301010;
-        display.paint({200, 100, 300, 250}, m_shade);
+        display.paint({200, 100, 300, 250}, nextShade());
         return presents(display, name);
     }
 
+    /// From now on another program captures the window too, in the middle of what changes on the
+    /// right display.
+    void grabOutput() {
+        m_grab.emplace(desktop, window(), WindowGrab::Spot{350.0 / 1280, 225.0 / 800});
+    }
+    /// The same as seen by that program.
+    testing::AssertionResult isGrabbedLive() {
+        right.paint({200, 100, 300, 250}, nextShade());
+        if (m_grab->sees(m_shade))
+            return testing::AssertionSuccess();
+        return testing::AssertionFailure()
+               << fmt::format("it sees {:#x} and not {:#x}, runs: {}", m_grab->last(), m_shade,
+                              m_grab->isRunning());
+    }
+
 private:
+    Color nextShade() {
+        m_shade = 0xff000000 | (m_shade + 0x00301010);
+        return m_shade;
+    }
+
+    std::optional<WindowGrab> m_grab;
     Color m_shade = 0xff101010;
 };
 
@@ -39,6 +63,21 @@ TEST_P(Parking, GoesOnLiveUnderTheSameIdentifierAndComesBackToThePixel) {
         EXPECT_TRUE(isLive(right, "parked"));
         ASSERT_TRUE(returnsTo(place));
         EXPECT_TRUE(isLive(right, "back"));
+    }
+}
+
+TEST_P(Parking, IsLiveToAProgramThatCapturesItThroughout) {
+    share(onlyDisplay("RIGHT"));
+    ASSERT_TRUE(presents(right, "shown"));
+    const auto place = placeToComeBackTo();
+    grabOutput();
+    ASSERT_TRUE(isGrabbedLive());
+    for (int time = 0; time < 2; ++time) {
+        ASSERT_TRUE(parks());
+        EXPECT_TRUE(isGrabbedLive()) << "parked";
+        EXPECT_TRUE(isGrabbedLive()) << "parked still";
+        ASSERT_TRUE(returnsTo(place));
+        EXPECT_TRUE(isGrabbedLive()) << "back";
     }
 }
 
@@ -91,8 +130,8 @@ TEST_P(Parking, ShowsAMinimisedWindowToThoseWhoCaptureIt) {
 }
 
 TEST_P(Parking, KeepsItsLevelThroughIt) {
-    if (GetParam().manager == WindowManager::none) {
-        // Nobody keeps windows above others there: what is left is that the switch does no harm.
+    if (!GetParam().hasLevels()) {
+        // What is left is that the switch does no harm.
         share("");
         ASSERT_TRUE(presents(left, "shown"));
         tell("float");

@@ -32,11 +32,25 @@ std::string text(const xcb_rectangle_t& place) {
 
 } // namespace
 
+bool Desk::canMinimise() const {
+    return manager != WindowManager::none && manager != WindowManager::i3;
+}
+
+bool Desk::hasLevels() const {
+    return manager != WindowManager::none && manager != WindowManager::i3;
+}
+
 std::vector<Desk> everyDesk() {
     using enum WindowManager;
-    return {{"Bare", none},       {"BarePicom", none, Compositor::picom},
-            {"Openbox", openbox}, {"OpenboxPicom", openbox, Compositor::picom},
-            {"Xfwm4", xfwm4},     {"Metacity", metacity}};
+    return {{"Bare", none},
+            {"BarePicom", none, Compositor::picom},
+            {"Openbox", openbox},
+            {"OpenboxPicom", openbox, Compositor::picom},
+            {"Xfwm4", xfwm4},
+            {"Metacity", metacity},
+            {"Mutter", mutter},
+            {"Kwin", kwin},
+            {"I3", i3}};
 }
 
 SteeredFixture::SteeredFixture(const Desk& on)
@@ -87,7 +101,7 @@ void SteeredFixture::moveOutputToTheRight() {
 
 void SteeredFixture::minimise() {
     constexpr std::uint32_t iconicState = 3;
-    if (desk.manager == WindowManager::none)
+    if (!desk.canMinimise())
         return;
     xcb_client_message_event_t event{};
     event.response_type = XCB_CLIENT_MESSAGE;

@@ -12,6 +12,10 @@ struct Desk {
     std::string name;
     WindowManager manager = WindowManager::none;
     Compositor compositor = Compositor::none;
+
+    [[nodiscard]] bool canMinimise() const;
+    /// Whether there is somebody who keeps windows above others.
+    [[nodiscard]] bool hasLevels() const;
 };
 
 /// Every window manager of ours, one of each kind with a compositor beside it, and none at all.
