@@ -49,8 +49,9 @@ std::unique_ptr<OverlayWindow> X11Desktop::makeOverlayWindow(double pixelsPerPoi
 
 NativeWindowRequests X11Desktop::windowRequests() {
     NativeWindowRequests requests;
-    requests.setContentAspectRatio = [this](NativeViewHandle window, Size ratio) {
-        m_windowManager.setContentAspectRatio(window, ratio);
+    requests.setContentAspectRatios = [this](NativeViewHandle window,
+                                             const ResizeLimits::AspectRatios& ratios) {
+        m_windowManager.setContentAspectRatios(window, ratios.narrowest, ratios.widest);
     };
     requests.joinAllWorkspaces = [this](NativeViewHandle window) {
         m_windowManager.joinAllWorkspaces(window);

@@ -37,7 +37,8 @@ WindowManagerRequests::WindowManagerRequests(xcb_connection_t* connection)
     : m_connection(connection)
     , m_root(xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root) {}
 
-void WindowManagerRequests::setContentAspectRatio(NativeViewHandle window, Size ratio) {
+void WindowManagerRequests::setContentAspectRatios(NativeViewHandle window, Size narrowest,
+                                                   Size widest) {
     const auto target = static_cast<xcb_window_t>(window);
     std::array<std::uint32_t, sizeHintsLength> hints{};
     const auto asked = xcb_get_property(m_connection, 0, target, XCB_ATOM_WM_NORMAL_HINTS,
@@ -48,10 +49,10 @@ void WindowManagerRequests::setContentAspectRatio(NativeViewHandle window, Size 
         std::memcpy(hints.data(), xcb_get_property_value(before.get()),
                     static_cast<std::size_t>(xcb_get_property_value_length(before.get())));
     hints[flagsField] |= hasAspectFlag;
-    for (const auto field : {minimumAspectField, maximumAspectField}) {
-        hints[field] = whole(ratio.width);
-        hints[field + 1] = whole(ratio.height);
-    }
+    hints[minimumAspectField] = whole(narrowest.width);
+    hints[minimumAspectField + 1] = whole(narrowest.height);
+    hints[maximumAspectField] = whole(widest.width);
+    hints[maximumAspectField + 1] = whole(widest.height);
     xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, target, XCB_ATOM_WM_NORMAL_HINTS,
                         XCB_ATOM_WM_SIZE_HINTS, 32, sizeHintsLength, hints.data());
     xcb_flush(m_connection);

@@ -23,9 +23,9 @@ class WindowManagerRequests {
 public:
     explicit WindowManagerRequests(xcb_connection_t* connection);
 
-    /// Adds to the size hints that the window has already. `ratio` is width and height, of which
-    /// only the proportion counts.
-    void setContentAspectRatio(NativeViewHandle window, Size ratio);
+    /// Adds to the size hints that the window has already. Widths and heights, of which only the
+    /// proportions count.
+    void setContentAspectRatios(NativeViewHandle window, Size narrowest, Size widest);
 
     /// The window, which must be on the desktop, is on all workspaces from now on.
     void joinAllWorkspaces(NativeViewHandle window);

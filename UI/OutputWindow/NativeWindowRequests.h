@@ -3,23 +3,22 @@
 #include "Desktop/DisplayLayer.h"
 #include "Desktop/Geometry.h"
 #include "UI/OutputWindow/OutputWindow.h"
+#include "UI/OutputWindow/ResizeLimits.h"
 
 #include <functional>
 
 namespace kestrove {
 
-enum class StackingLayer { normal, above };
-
 /// What the output window asks of the window manager beyond what Qt can ask. Each may be empty
 /// where a desktop knows no such thing. Main thread; the window exists.
 struct NativeWindowRequests {
-    /// What user resizing keeps the content's sides at. Qt rewrites the hints of a window without
-    /// it whenever it sets its geometry or its smallest size, so that this follows each of those.
-    std::function<void(NativeViewHandle window, Size ratio)> setContentAspectRatio;
+    /// Between which proportions user resizing keeps the content's sides. Qt rewrites the hints of
+    /// a window without it whenever it sets its geometry or its smallest size, so that this follows
+    /// each of those.
+    std::function<void(NativeViewHandle window, const ResizeLimits::AspectRatios& ratios)>
+        setContentAspectRatios;
     /// On every workspace; again after every time the window was shown.
     std::function<void(NativeViewHandle window)> joinAllWorkspaces;
-    /// Above all ordinary windows, or among them; again after every time the window was shown.
-    std::function<void(NativeViewHandle window, StackingLayer layer)> setLayer;
     /// Above all normal windows, or among them; again after every time the window was shown. Qt's
     /// own wish for it would have the window made anew at the next time that it is shown, and its
     /// number with it.

@@ -35,6 +35,10 @@ QRect toPixels(const Rect& rect) {
     return {whole(rect.x), whole(rect.y), whole(rect.width), whole(rect.height)};
 }
 
+Size toSize(const QSize& size) {
+    return {static_cast<double>(size.width()), static_cast<double>(size.height())};
+}
+
 Qt::WindowFlags flags(WindowStyle style) {
     auto flags = Qt::Window | Qt::CustomizeWindowHint;
     if (has(style, WindowStyle::titled))
@@ -47,6 +51,10 @@ Qt::WindowFlags flags(WindowStyle style) {
         flags |= Qt::WindowMaximizeButtonHint;
     return flags;
 }
+
+/// The part of a screen that a window may take at its start. Some window managers maximise what
+/// opens as large as the screen, decorations included, and keep it so whatever frame it is given.
+constexpr double roomAtTheStart = 0.9;
 
 /// Shrunk to fit, its aspect ratio kept.
 Size fitted(Size size, Size available) {
@@ -63,7 +71,7 @@ QtOutputWindow::QtOutputWindow(QtOutputWindowSurroundings surroundings, const Re
     , m_screens(surroundings.screens)
     , m_requests(std::move(surroundings.requests))
     , m_widget(std::move(surroundings.commands), flags(style))
-    , m_resizeRests(m_loop, restAfterResizing, [this] { m_liveResizeEnded.emit(); })
+    , m_resizeRests(m_loop, restAfterResizing, [this] { endLiveResize(); })
     , m_scope(m_loop) {
     if (m_requests.keepContent)
         m_requests.keepContent(m_widget.winId());
@@ -79,7 +87,8 @@ QtOutputWindow::QtOutputWindow(QtOutputWindowSurroundings surroundings, const Re
     }));
     auto content = contentRect;
     if (const auto visible = mainVisibleFrame()) {
-        const auto size = fitted(content.size(), visible->size());
+        const auto size = fitted(
+            content.size(), {roomAtTheStart * visible->width, roomAtTheStart * visible->height});
         content = {content.x, content.y, size.width, size.height};
     }
     setFrame(frameRect(content), Redisplay::no);
@@ -120,10 +129,11 @@ void QtOutputWindow::setFrame(const Rect& frame, Redisplay /*redisplay*/) {
     const auto geometry = toPixels(coordinates().toToolkit(contentRect(frame)));
     if (m_isParked)
         park(geometry.topLeft());
+    // First what both sizes are allowed by: Qt enlarges a window that is below its smallest size.
+    applyMinimumSize(m_widget.size().boundedTo(geometry.size()));
     m_widget.setGeometry(geometry);
     m_requested = Requested{frame, m_widget.geometry()};
-    applyAspectRatio();
-    awaitAnswer();
+    applyMinimumSize(geometry.size());
 }
 
 Rect QtOutputWindow::contentRect(const Rect& frame) const {
@@ -204,7 +214,7 @@ void QtOutputWindow::show(Activation activation) {
         park(m_widget.geometry().topLeft());
     if (m_level != WindowLevel::normal)
         applyLevel();
-    applyAspectRatio();
+    awaitAnswer();
     joinAllWorkspaces();
 }
 
@@ -241,12 +251,12 @@ void QtOutputWindow::setCollectionBehavior(CollectionBehavior behavior) {
 
 void QtOutputWindow::setMinimumSize(Size frameSize) {
     m_minimumFrameSize = frameSize;
-    applyMinimumSize();
+    applyMinimumSize(requestedContent());
 }
 
 void QtOutputWindow::setContentAspectRatio(Size ratio) {
+    // Told with the next frame: what the present size breaks, window managers would change at once.
     m_aspectRatio = ratio;
-    applyAspectRatio();
 }
 
 void QtOutputWindow::center() {
@@ -279,15 +289,23 @@ void QtOutputWindow::applyLevel() {
         m_requests.setLevel(m_widget.winId(), m_level);
 }
 
-void QtOutputWindow::applyMinimumSize() {
+void QtOutputWindow::applyMinimumSize(const QSize& content) {
     const Rect frame{0, 0, m_minimumFrameSize.width, m_minimumFrameSize.height};
-    m_widget.setMinimumSize(toPixels(contentRect(frame)).size());
-    applyAspectRatio();
+    const auto smallest = ResizeLimits::smallest(contentRect(frame).size(), toSize(content));
+    m_widget.setMinimumSize(toPixels({0, 0, smallest.width, smallest.height}).size());
+    awaitAnswer();
 }
 
 void QtOutputWindow::applyAspectRatio() {
-    if (m_aspectRatio && m_requests.setContentAspectRatio)
-        m_requests.setContentAspectRatio(m_widget.winId(), *m_aspectRatio);
+    if (std::exchange(m_isAspectRatioDue, false) && m_aspectRatio &&
+        m_requests.setContentAspectRatios)
+        m_requests.setContentAspectRatios(
+            m_widget.winId(),
+            ResizeLimits::aspectRatios(*m_aspectRatio, toSize(requestedContent())));
+}
+
+QSize QtOutputWindow::requestedContent() const {
+    return m_requested ? m_requested->geometry.size() : m_widget.size();
 }
 
 void QtOutputWindow::shownByDesktop() {
@@ -313,24 +331,36 @@ void QtOutputWindow::adoptDecorations() {
         return;
     const bool isWhereItWasPut = m_requested && m_requested->geometry == m_widget.geometry();
     m_decorations = decorations;
-    applyMinimumSize();
+    applyMinimumSize(requestedContent());
     if (isWhereItWasPut)
         setFrame(Rect(m_requested->frame), Redisplay::yes);
     m_decorationsChanged.emit();
 }
 
 void QtOutputWindow::resizedByDesktop() {
-    if (m_loop.now() - m_lastRequest > answerOfTheWindowManager)
+    // However late, what was asked for is an answer.
+    const bool isAsRequested =
+        m_requested && m_requested->geometry.size() == m_widget.geometry().size();
+    if (!isAsRequested && m_loop.now() - m_lastRequest > answerOfTheWindowManager)
         m_resizeRests.schedule();
 }
 
+void QtOutputWindow::endLiveResize() {
+    m_requested.reset();
+    m_liveResizeEnded.emit();
+}
+
 void QtOutputWindow::awaitAnswer() {
-    m_answer = m_loop.runAfter(refusalIsLookedForEvery, [this] {
-        m_widget.adoptNativeGeometry();
-        adoptDecorations();
-        if (m_loop.now() - m_lastRequest < refusalIsLookedForUntil)
-            awaitAnswer();
-    });
+    m_isAspectRatioDue = true;
+    m_answer = m_loop.runAfter(refusalIsLookedForEvery, [this] { lookAtAnswer(); });
+}
+
+void QtOutputWindow::lookAtAnswer() {
+    applyAspectRatio();
+    m_widget.adoptNativeGeometry();
+    adoptDecorations();
+    if (m_loop.now() - m_lastRequest < refusalIsLookedForUntil)
+        m_answer = m_loop.runAfter(refusalIsLookedForEvery, [this] { lookAtAnswer(); });
 }
 
 } // namespace kestrove

@@ -85,12 +85,15 @@ private:
     void park(const QPoint& origin);
     void joinAllWorkspaces();
     void applyLevel();
-    void applyMinimumSize();
+    void applyMinimumSize(const QSize& content);
+    [[nodiscard]] QSize requestedContent() const;
     void applyAspectRatio();
     void shownByDesktop();
     void adoptDecorations();
     void resizedByDesktop();
+    void endLiveResize();
     void awaitAnswer();
+    void lookAtAnswer();
 
     MainLoop& m_loop;
     Screens& m_screens;
@@ -101,6 +104,8 @@ private:
     Seconds m_lastRequest{0};
     Size m_minimumFrameSize;
     std::optional<Size> m_aspectRatio;
+    /// Qt has rewritten the window's hints without it, or the frame has become another.
+    bool m_isAspectRatioDue = false;
     WindowLevel m_level = WindowLevel::normal;
     bool m_isOnAllWorkspaces = false;
     bool m_isParked = false;

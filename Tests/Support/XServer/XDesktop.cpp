@@ -102,6 +102,8 @@ void XDesktop::startWindowManager(WindowManager manager) {
         break;
     case WindowManager::kwin:
         m_answersAboutFrames = AnswersAboutFrames::no;
+        // What fades in and out would be on the screen for a while.
+        std::ofstream(m_folder.path() / "kdeglobals") << "[KDE]\nAnimationDurationFactor=0\n";
         m_windowManager = start({"kwin_x11", "--no-kactivities"});
         break;
     case WindowManager::i3:

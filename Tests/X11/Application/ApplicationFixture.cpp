@@ -10,7 +10,6 @@
 #include "Tests/X11/Application/Presentation.h"
 
 #include <algorithm>
-#include <iterator>
 #include <array>
 #include <functional>
 #include <iterator>
@@ -86,24 +85,28 @@ void ApplicationFixture::start(const std::vector<std::string>& command) {
     }
 }
 
-xcb_window_t ApplicationFixture::find(std::string_view sought) const {
-    const auto isSought = [this, sought](xcb_window_t window) {
-        const auto cookie = xcb_get_property(desktop.connection(), 0, window,
-                                             server.atom("_NET_WM_NAME"), XCB_ATOM_ANY, 0, 100);
-        const Reply reply(xcb_get_property_reply(desktop.connection(), cookie, nullptr));
-        if (!reply) {
-            return false;
-        }
-        const std::string_view title(
-            static_cast<const char*>(xcb_get_property_value(reply.get())),
-            static_cast<std::size_t>(xcb_get_property_value_length(reply.get())));
-        return title == sought && isViewable(window);
+std::string ApplicationFixture::titleOf(xcb_window_t window) const {
+    constexpr std::uint32_t enough = 1000;
+    const auto cookie = xcb_get_property(desktop.connection(), 0, window,
+                                         server.atom("_NET_WM_NAME"), XCB_ATOM_ANY, 0, enough);
+    const Reply reply(xcb_get_property_reply(desktop.connection(), cookie, nullptr));
+    if (!reply) {
+        return {};
+    }
+    return {static_cast<const char*>(xcb_get_property_value(reply.get())),
+            static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))};
+}
+
+xcb_window_t
+ApplicationFixture::findTitled(const std::function<bool(std::string_view)>& isMeant) const {
+    const auto isIt = [&](xcb_window_t window) {
+        return isMeant(titleOf(window)) && isViewable(window);
     };
     // KWin has a second frame within the first one.
     constexpr int mostFrames = 2;
     auto level = children(desktop.root());
     for (int frames = 0; frames <= mostFrames; ++frames) {
-        if (const auto found = std::ranges::find_if(level, isSought); found != level.end()) {
+        if (const auto found = std::ranges::find_if(level, isIt); found != level.end()) {
             return *found;
         }
         std::vector<xcb_window_t> next;
@@ -113,6 +116,10 @@ xcb_window_t ApplicationFixture::find(std::string_view sought) const {
         level = std::move(next);
     }
     return XCB_WINDOW_NONE;
+}
+
+xcb_window_t ApplicationFixture::find(std::string_view sought) const {
+    return findTitled([sought](std::string_view title) { return title == sought; });
 }
 
 std::vector<xcb_window_t> ApplicationFixture::children(xcb_window_t window) const {

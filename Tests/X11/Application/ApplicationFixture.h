@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -71,6 +72,12 @@ protected:
     [[nodiscard]] xcb_window_t frameWindow() const;
 
     [[nodiscard]] testing::AssertionResult endsWith(int exitCode);
+
+    /// The title of a window of anybody's; empty when it has none.
+    [[nodiscard]] std::string titleOf(xcb_window_t window) const;
+    /// A window on the screen with such a title; 0 when there is none.
+    [[nodiscard]] xcb_window_t
+    findTitled(const std::function<bool(std::string_view)>& isMeant) const;
 
     XDesktop desktop;
     XServer& server = desktop.server();
