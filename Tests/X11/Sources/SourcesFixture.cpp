@@ -148,6 +148,12 @@ void SourcesFixture::tick(const std::vector<const Program*>& programs) {
 void SourcesFixture::start() {
     controller().start();
     ASSERT_TRUE(reaches(CaptureSessionState::running()));
+    // The output window comes to the front with the session: what a test activates next must not be
+    // overtaken by that.
+    ASSERT_TRUE(loop.spinUntil([this] {
+        return server().propertyItem(desktop().root(), "_NET_ACTIVE_WINDOW") ==
+               app->outputWindow().windowID();
+    }));
 }
 
 testing::AssertionResult SourcesFixture::isActive(CaptureSource source) {
