@@ -35,7 +35,7 @@ xcb_atom_t SingleInstance::atom(const std::string& name) const {
     const auto asked =
         xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.c_str());
     const Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, asked, nullptr));
-    return reply ? reply->atom : XCB_ATOM_NONE;
+    return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
 }
 
 InstanceClaim SingleInstance::claim(std::chrono::milliseconds patience) {

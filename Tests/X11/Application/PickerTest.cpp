@@ -54,7 +54,7 @@ protected:
     [[nodiscard]] xcb_window_t focused() const {
         const Reply focus(xcb_get_input_focus_reply(
             desktop.connection(), xcb_get_input_focus(desktop.connection()), nullptr));
-        return focus ? focus->focus : XCB_WINDOW_NONE;
+        return focus ? focus->focus : xcb_window_t{XCB_WINDOW_NONE};
     }
     [[nodiscard]] PixelImage picture() const {
         return readWindowPixmap(desktop.connection(), m_picker);
