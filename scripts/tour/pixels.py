@@ -50,6 +50,27 @@ class Picture:
                        chunk(b"IDAT", zlib.compress(lines, 6)) + chunk(b"IEND", b""))
 
 
+# The frame around what is shared: its line, the rounding of its corners, and its colour.
+LINE, ROUNDING, GREEN = 4, 8, (0x34, 0xC7, 0x59)
+
+
+def frame_holes(width, height, scale=1.0):
+    """Where the frame around what is shared lies in a picture of that size, which shows it at
+    `scale`: a pixel more where that is not 1, for what is mixed with it."""
+    line, corner = (size if scale == 1 else int(size * scale) + 2 for size in (LINE, ROUNDING))
+    return [(0, 0, width, line), (0, height - line, width, line),
+            (0, 0, line, height), (width - line, 0, line, height),
+            *((x, y, corner, corner) for x in (0, width - corner) for y in (0, height - corner))]
+
+
+def is_framed(picture):
+    """Whether the frame lies on the left and the lower edge of what the picture shows."""
+    x, y = picture.width // 2, picture.height // 2
+    return all(tuple(picture.pixel(*place)[:3]) == GREEN
+               for place in ((0, y), (LINE - 1, y), (x, picture.height - 1),
+                             (x, picture.height - LINE)))
+
+
 def differing_pixels(first, second, holes=()):
     """How many pixels differ outside of the holes."""
     if (first.width, first.height) != (second.width, second.height):

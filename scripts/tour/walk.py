@@ -32,24 +32,35 @@ class Walk:
                 return passed, seen, screen
 
     def _equals(self, display, reference=None):
-        """Pixel by pixel but for the pointer, which only the output has. A `reference` is what the
-        display showed while nothing of ours lay on it."""
+        """Pixel by pixel but for the pointer, which only the output has, and the green frame, which
+        only the display has. A `reference` is what the display showed while nothing of ours lay on
+        it."""
         def matches(screen):
             output = self.session.output(screen)
             source = reference or self.session.display(display, screen)
             hole = self.session.pointer_hole(display, (output.width, output.height))
-            count = pixels.differing_pixels(output, source, [hole])
-            pointer = pixels.differing_pixels(output, source) > count
+            frame = pixels.frame_holes(output.width, output.height)
+            count = pixels.differing_pixels(output, source, [hole, *frame])
+            pointer = pixels.differing_pixels(output, source, frame) > count
             size = f"{output.width}x{output.height}"
-            return count == 0 and pointer, (
-                f"{size}, {count} pixels differ, pointer {'there' if pointer else 'MISSING'}")
+            framed = self._is_framed(source, output)
+            return count == 0 and pointer and framed, (
+                f"{size}, {count} pixels differ, pointer {'there' if pointer else 'MISSING'}"
+                f"{'' if framed else ', frame WRONG'}")
         return self._settled(matches)
+
+    @staticmethod
+    def _is_framed(source, output):
+        """On the user's screen, and not in what the others see."""
+        return pixels.is_framed(source) and not pixels.is_framed(output)
 
     def _equals_scaled(self, display, reference):
         def matches(screen):
             output = self.session.output(screen)
             hole = self.session.pointer_hole(display, (output.width, output.height))
-            wrong = pixels.scaled_difference(reference, output, [hole])
+            frame = pixels.frame_holes(output.width, output.height,
+                                       output.width / reference.width)
+            wrong = pixels.scaled_difference(reference, output, [hole, *frame])
             size = f"{output.width}x{output.height}"
             return wrong < 0.001, f"{size}, {100 * wrong:.2f} % of the scaled pixels differ"
         return self._settled(matches)
@@ -58,8 +69,12 @@ class Walk:
         """Pixel by pixel. The pointer is elsewhere."""
         def matches(screen):
             output, source = self.session.output(screen), self.session.content(title, screen)
-            count = pixels.differing_pixels(output, source)
-            return count == 0, f"{output.width}x{output.height}, {count} pixels differ"
+            count = pixels.differing_pixels(output, source,
+                                            pixels.frame_holes(output.width, output.height))
+            framed = self._is_framed(source, output)
+            return count == 0 and framed, (
+                f"{output.width}x{output.height}, {count} pixels differ"
+                f"{'' if framed else ', frame WRONG'}")
         return self._settled(matches)
 
     def _is_placeholder(self, screen):
