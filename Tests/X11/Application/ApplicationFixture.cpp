@@ -270,7 +270,25 @@ void ApplicationFixture::chooseFromMenuEnd(int entry) {
     choose(Key::up, entry);
 }
 
+bool ApplicationFixture::isKeyboardTaken() const {
+    auto* const connection = desktop.connection();
+    // Held, so that the one who is just about to take it finds it free.
+    xcb_grab_server(connection);
+    const Reply grab(
+        xcb_grab_keyboard_reply(connection,
+                                xcb_grab_keyboard(connection, 0, desktop.root(), XCB_CURRENT_TIME,
+                                                  XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
+                                nullptr));
+    if (grab && grab->status == XCB_GRAB_STATUS_SUCCESS)
+        xcb_ungrab_keyboard(connection, XCB_CURRENT_TIME);
+    xcb_ungrab_server(connection);
+    sync(connection);
+    return grab && grab->status == XCB_GRAB_STATUS_ALREADY_GRABBED;
+}
+
 void ApplicationFixture::choose(Key direction, int steps) {
+    // A menu is on the screen before it has the keyboard.
+    expectWithin([this] { return isKeyboardTaken(); }, "the menu to take the keyboard");
     for (int each = 0; each < steps; ++each) {
         server.press(direction);
     }

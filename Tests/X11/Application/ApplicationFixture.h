@@ -86,6 +86,7 @@ protected:
 
 private:
     void choose(Key direction, int steps);
+    [[nodiscard]] bool isKeyboardTaken() const;
     [[nodiscard]] bool isViewable(xcb_window_t window) const;
     [[nodiscard]] std::vector<xcb_window_t> children(xcb_window_t window) const;
     [[nodiscard]] bool isOfSameClient(xcb_window_t one, xcb_window_t other) const;

@@ -138,6 +138,10 @@ void CaptureDesktop::settle() {
         seen = frames;
         return quiet > 20;
     });
+    // And those that wait for the interval between two frames to be over.
+    constexpr Seconds someIntervals(0.06);
+    while (loop.spinUntil([&] { return seen != frames; }, someIntervals))
+        seen = frames;
 }
 
 } // namespace kestrove::test
