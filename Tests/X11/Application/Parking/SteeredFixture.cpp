@@ -47,6 +47,8 @@ std::vector<Desk> everyDesk() {
             {"Openbox", openbox},
             {"OpenboxPicom", openbox, Compositor::picom},
             {"Xfwm4", xfwm4},
+            {"Xfwm4Picom", xfwm4, Compositor::picom},
+            {"I3Picom", i3, Compositor::picom},
             {"Metacity", metacity},
             {"Mutter", mutter},
             {"Kwin", kwin},
