@@ -4,6 +4,7 @@
 #include "Tests/Support/XServer/FakeInput.h"
 #include "Tests/Support/XServer/Reply.h"
 
+#include <array>
 #include <ranges>
 #include <string_view>
 
@@ -83,11 +84,12 @@ void SecondKeyboard::setEnabled(bool isEnabled) {
         xcb_intern_atom(m_connection, 0, static_cast<std::uint16_t>(property.size()),
                         property.data()),
         nullptr));
-    const std::uint8_t value = isEnabled ? 1 : 0;
+    // The library pads the one byte that is sent, and reads the padding from here too.
+    const std::array<std::uint8_t, 4> value{isEnabled ? std::uint8_t{1} : std::uint8_t{0}};
     constexpr std::uint8_t bitsPerItem = 8;
     const auto cookie = xcb_input_xi_change_property_checked(
         m_connection, m_device, XCB_PROP_MODE_REPLACE, bitsPerItem, atom ? atom->atom : 0,
-        XCB_ATOM_INTEGER, 1, &value);
+        XCB_ATOM_INTEGER, 1, value.data());
     if (const Reply error(xcb_request_check(m_connection, cookie)); error)
         giveUp("the second keyboard cannot be pulled or plugged in");
 }
