@@ -7,18 +7,35 @@
 
 namespace kestrove {
 
+namespace {
+
+struct Watch {
+    std::function<void()> ready;
+    int runs = 0;
+};
+
+} // namespace
+
 Subscription QtDescriptorWatching::watchReadable(int descriptor, std::function<void()> ready) {
     auto* const notifier = new QSocketNotifier(descriptor, QSocketNotifier::Read);
-    const auto callback = std::make_shared<std::function<void()>>(std::move(ready));
+    const auto watch = std::make_shared<Watch>(std::move(ready));
     // The copy keeps the callback alive while it runs, also when it unsubscribes itself.
-    QObject::connect(notifier, &QSocketNotifier::activated, notifier, [callback] {
-        const auto running = callback;
-        (*running)();
+    QObject::connect(notifier, &QSocketNotifier::activated, notifier, [watch] {
+        const auto running = watch;
+        ++running->runs;
+        running->ready();
+        --running->runs;
     });
-    return Subscription([notifier] {
+    return Subscription([notifier, watch = std::weak_ptr(watch)] {
         notifier->setEnabled(false);
+        const auto current = watch.lock();
+        if (!current || current->runs == 0) {
+            delete notifier;
+            return;
+        }
+        // Not under its own callback. Elsewhere not later either: what is left for a loop that has
+        // ended is never done.
         notifier->disconnect();
-        // Not at once: this may be the notifier's own callback.
         notifier->deleteLater();
     });
 }
