@@ -104,6 +104,8 @@ void XDesktop::startWindowManager(WindowManager manager) {
         m_answersAboutFrames = AnswersAboutFrames::no;
         // What fades in and out would be on the screen for a while.
         std::ofstream(m_folder.path() / "kdeglobals") << "[KDE]\nAnimationDurationFactor=0\n";
+        // It lets a corner glow while the pointer comes near.
+        std::ofstream(m_folder.path() / "kwinrc") << "[Plugins]\nscreenedgeEnabled=false\n";
         m_windowManager = start({"kwin_x11", "--no-kactivities"});
         break;
     case WindowManager::i3:
