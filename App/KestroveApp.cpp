@@ -53,10 +53,11 @@ std::function<void(QWidget&)> widgetToFront(X11Desktop& desktop) {
 }
 
 /// A shortcut that cannot work is not offered.
-MenuShortcutTexts menuShortcutTexts(const ShortcutBindings& bindings) {
-    const auto text = [&bindings](ShortcutAction action) {
-        const auto& binding = bindings.at(action);
-        return binding.isValid() ? std::optional(binding.display()) : std::nullopt;
+template <class BindingOf>
+MenuShortcutTexts shortcutTexts(BindingOf bindingOf) {
+    const auto text = [&bindingOf](ShortcutAction action) {
+        const std::optional<ShortcutBinding> binding = bindingOf(action);
+        return binding && binding->isValid() ? std::optional(binding->display()) : std::nullopt;
     };
     return {text(ShortcutAction::startStop), text(ShortcutAction::showPicker),
             text(ShortcutAction::showWindow), text(ShortcutAction::hideToggle)};
@@ -118,6 +119,12 @@ KestroveApp::KestroveApp(KestroveGround ground)
                     m_activeOverlay, TrayIcon::hasTray, [this] { m_panel.openWindow(); })
     , m_settingsWindow(settingsCollaborators(ground), widgetToFront(ground.desktop))
     , m_menuBarView(menuCollaborators(ground))
+    , m_commandMenu(m_menuBarView,
+                    [this] {
+                        return shortcutTexts([this](ShortcutAction action) {
+                            return m_globalShortcuts.registeredBinding(action);
+                        });
+                    })
     , m_menu(m_menuBarView)
     , m_panel(m_menuBarView, widgetToFront(ground.desktop))
     , m_trayIcon(m_menu.menu(), [this](QRect icon) { m_panel.openAt(icon); }) {}
@@ -188,7 +195,12 @@ MenuBarViewCollaborators KestroveApp::menuCollaborators(KestroveGround ground) {
         .settings = m_settings,
         .controller = m_controller,
         .outputWindow = m_outputWindow,
-        .shortcutTexts = [this] { return menuShortcutTexts(m_settings.shortcutBindings.get()); },
+        .shortcutTexts =
+            [this] {
+                return shortcutTexts([this](ShortcutAction action) {
+                    return m_settings.shortcutBindings.get().at(action);
+                });
+            },
         .openScreenRecordingPreferences = {}, // X knows no such permission
         .showSourcePicker = [this] { m_controller.showSourcePicker(); },
         .openSettings = [this] { m_settingsWindow.open(); },

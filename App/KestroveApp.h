@@ -13,6 +13,7 @@
 #include "Core/SourceLister/WorkspaceSessionLockMonitor.h"
 #include "Platform/Qt/QtApplication.h"
 #include "UI/ActiveSourceOverlay/ActiveSourceOverlay.h"
+#include "UI/CommandMenu/CommandMenu.h"
 #include "UI/Composer/OutputContainer.h"
 #include "UI/Composer/OutputContainerWidget.h"
 #include "UI/MenuBarView/MenuBarView.h"
@@ -93,6 +94,7 @@ private:
     std::optional<SourcePickerWindowController> m_pickerController;
     SettingsWindow m_settingsWindow;
     MenuBarView m_menuBarView;
+    CommandMenu m_commandMenu;
     NativeMenu m_menu;
     Panel m_panel;
     TrayIcon m_trayIcon;

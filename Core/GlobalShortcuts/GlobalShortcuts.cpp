@@ -94,6 +94,11 @@ void GlobalShortcuts::deliver(std::uint32_t id) const {
     handler();
 }
 
+std::optional<ShortcutBinding> GlobalShortcuts::registeredBinding(ShortcutAction action) const {
+    const auto found = m_registrations.find(action);
+    return found == m_registrations.end() ? std::nullopt : std::optional(found->second.binding);
+}
+
 ShortcutActions GlobalShortcuts::duplicates(const ShortcutBindings& bindings) {
     std::map<ShortcutBinding::RegistrationKey, ShortcutActions> groups;
     for (const auto& [action, binding] : bindings)

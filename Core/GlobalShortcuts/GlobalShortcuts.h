@@ -9,6 +9,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -90,6 +91,8 @@ public:
     [[nodiscard]] const Published<ShortcutActions>& registeredActions() const {
         return m_registeredActions;
     }
+    /// The binding in force; absent while the action has none.
+    [[nodiscard]] std::optional<ShortcutBinding> registeredBinding(ShortcutAction action) const;
     /// Of the last `install`; empty after a successful one.
     [[nodiscard]] const Published<ShortcutFailures>& operationFailures() const {
         return m_operationFailures;

@@ -35,6 +35,10 @@ void MenuBarView::scheduleChanged() {
 }
 
 MenuContent MenuBarView::content() const {
+    return menuContent(state());
+}
+
+MenuState MenuBarView::state() const {
     const auto& controller = m_with.controller;
     const auto& settings = m_with.settings;
     MenuState state;
@@ -52,7 +56,7 @@ MenuContent MenuBarView::content() const {
                     .hasSettings = static_cast<bool>(m_with.openSettings),
                     .hasScreenRecordingPreferences =
                         static_cast<bool>(m_with.openScreenRecordingPreferences)};
-    return menuContent(state);
+    return state;
 }
 
 Subscription MenuBarView::onChanged(std::function<void()> callback) {

@@ -43,6 +43,8 @@ public:
     ~MenuBarView() = default;
 
     [[nodiscard]] MenuContent content() const;
+    /// What the content is made of.
+    [[nodiscard]] MenuState state() const;
 
     /// The content may have become another one. From the main loop, once for all that changed
     /// together, when what has changed can be read.

@@ -26,6 +26,14 @@ enum class MenuCommand : std::uint8_t {
     quit,
 };
 
+/// Keys that work while one of our windows has the keyboard.
+struct MenuKeyEquivalent {
+    std::string keys;    ///< as Qt writes them; Meta is Command
+    std::string display; ///< as shortcuts are shown everywhere
+
+    bool operator==(const MenuKeyEquivalent&) const = default;
+};
+
 /// An entry that the user can click.
 struct MenuButton {
     MenuCommand command;
@@ -36,8 +44,8 @@ struct MenuButton {
     std::optional<std::string> symbol = std::nullopt;
     /// Shown while the pointer rests on it, and read to those who cannot see it.
     std::optional<std::string> help = std::nullopt;
-    /// Keys that do the same in our own windows, as Qt writes them; Meta is Command.
-    std::optional<std::string> keyEquivalent = std::nullopt;
+    /// Keys that do the same in our own windows; absent for most.
+    std::optional<MenuKeyEquivalent> keyEquivalent = std::nullopt;
     /// An entry that would do nothing now says so.
     bool isEnabled = true;
 

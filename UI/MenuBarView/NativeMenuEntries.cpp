@@ -36,6 +36,7 @@ public:
              .text = button.label(),
              .help = button.help.value_or(""),
              .symbol = button.symbol.value_or(""),
+             .keyEquivalent = button.keyEquivalent ? button.keyEquivalent->keys : "",
              .isEnabled = button.isEnabled,
              .run = [&view = m_view, command = button.command] { view.run(command); }});
     }

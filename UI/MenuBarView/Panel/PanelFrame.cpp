@@ -60,6 +60,7 @@ private:
 
 PanelFrame::PanelFrame(MenuBarView& view, std::optional<QRect> anchor)
     : QWidget(nullptr, anchor ? Qt::Popup | Qt::FramelessWindowHint : Qt::Window)
+    , m_menu(view)
     , m_anchor(anchor)
     , m_view(new PanelView(view,
                            [this] {
@@ -118,8 +119,12 @@ void PanelFrame::place() {
 }
 
 void PanelFrame::keyPressEvent(QKeyEvent* event) {
+    const auto keys = event->keyCombination();
     if (event->key() == Qt::Key_Escape)
         close();
+    else if (keys == QKeyCombination(Qt::META, Qt::Key_Q) ||
+             keys == QKeyCombination(Qt::CTRL, Qt::Key_Q))
+        m_menu.run(MenuCommand::quit);
     else
         QWidget::keyPressEvent(event);
 }

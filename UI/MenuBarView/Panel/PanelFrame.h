@@ -37,6 +37,7 @@ private:
     /// To the content's present height, at the anchor.
     void place();
 
+    MenuBarView& m_menu;
     std::optional<QRect> m_anchor;
     PanelView* m_view;
     QScrollArea* m_scroll;

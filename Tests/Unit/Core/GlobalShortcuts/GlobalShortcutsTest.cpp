@@ -281,6 +281,17 @@ TEST_F(GlobalShortcutsTest, PublishesDuplicatesThenFailuresThenWhatIsRegistered)
     EXPECT_EQ(publishedBy(defaultShortcutBindings()), (Calls{"duplicates 0", "failures 4"}));
 }
 
+TEST_F(GlobalShortcutsTest, TellsTheBindingInForceAndNotTheOneWishedFor) {
+    EXPECT_EQ(shortcuts.registeredBinding(startStop), std::nullopt);
+    ASSERT_TRUE(install(defaultShortcutBindings()));
+    const auto inForce = defaultShortcutBindings().at(startStop);
+    EXPECT_EQ(shortcuts.registeredBinding(startStop), inForce);
+    EXPECT_FALSE(install(defaultsBut({{startStop, {4, controlCommand, "h"}}})));
+    EXPECT_EQ(shortcuts.registeredBinding(startStop), inForce);
+    ASSERT_TRUE(install(defaultsBut({{startStop, {2, controlCommand, "d"}}})));
+    EXPECT_EQ(shortcuts.registeredBinding(startStop), (ShortcutBinding{2, controlCommand, "d"}));
+}
+
 TEST_F(GlobalShortcutsTest, IdentifiersEndInsteadOfBeginningAnew) {
     constexpr auto last = std::numeric_limits<std::uint32_t>::max();
     const auto installWithFirst = [this](std::uint32_t firstID) {

@@ -83,6 +83,11 @@ TEST_F(NativeMenuTest, ShowsTheGuidanceAndTheTwoButtons) {
     EXPECT_EQ(done, Texts{"preferences"});
 }
 
+TEST_F(NativeMenuTest, NamesTheKeysThatQuit) {
+    EXPECT_EQ(action("Kestrove を終了")->shortcut(), QKeySequence(Qt::META | Qt::Key_Q));
+    EXPECT_TRUE(action("プライバシーポリシー")->shortcut().isEmpty());
+}
+
 TEST_F(NativeMenuTest, TextCannotBeClicked) {
     EXPECT_FALSE(action("kestrove")->isEnabled());
     EXPECT_FALSE(action("停止中")->isEnabled());

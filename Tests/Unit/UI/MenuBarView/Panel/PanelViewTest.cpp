@@ -112,7 +112,7 @@ TEST_F(PanelViewTest, HasEveryEntryInItsOrder) {
                      "ディスプレイ 2 件（複数選択時はアクティブに切替）", "Display 1", "Display 2",
                      "ウィンドウ 2", "Window 5", "Window 6", "ソース一覧を更新",
                      "出力ウィンドウを表示  ⌃⌘W", "出力ウィンドウを隠す  ⌃⌘H",
-                     "設定・ショートカット…", "プライバシーポリシー", "Kestrove を終了"}));
+                     "設定・ショートカット…", "プライバシーポリシー", "Kestrove を終了  ⌘Q"}));
 }
 
 TEST_F(PanelViewTest, SaysWhatIsMissingWhereThereIsNoSource) {
@@ -166,7 +166,7 @@ TEST_F(PanelViewTest, IsWalkedThroughByTheKeyboard) {
     press(Qt::Key_Down);
     EXPECT_EQ(focused(), "開始");
     press(Qt::Key_Up);
-    EXPECT_EQ(focused(), "Kestrove を終了");
+    EXPECT_EQ(focused(), "Kestrove を終了  ⌘Q");
     press(Qt::Key_Tab);
     EXPECT_EQ(focused(), "開始");
     press(Qt::Key_Tab);
@@ -185,7 +185,7 @@ TEST_F(PanelViewTest, IsWalkedThroughByTheKeyboard) {
         EXPECT_EQ(focused(), next);
     }
     press(Qt::Key_End);
-    EXPECT_EQ(focused(), "Kestrove を終了");
+    EXPECT_EQ(focused(), "Kestrove を終了  ⌘Q");
     press(Qt::Key_Home);
     EXPECT_EQ(focused(), "開始");
 }
