@@ -44,6 +44,13 @@ void SimulatedKeyboard::press(SimulatedKeyCombination combination) {
     keyUp(combination);
 }
 
+std::vector<SimulatedKeyCombination> SimulatedKeyboard::registered() const {
+    std::vector<SimulatedKeyCombination> combinations;
+    for (const auto& [reference, hotKey] : m_hotKeys)
+        combinations.push_back(hotKey.combination);
+    return combinations;
+}
+
 std::expected<HotKeyReference, HotKeyStatus>
 SimulatedKeyboard::add(SimulatedKeyCombination combination, HotKeyIdentifier identifier) {
     const auto isOurs = std::ranges::any_of(

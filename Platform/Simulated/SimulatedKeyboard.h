@@ -9,6 +9,7 @@
 #include <expected>
 #include <map>
 #include <set>
+#include <vector>
 
 namespace kestrove {
 
@@ -45,6 +46,12 @@ public:
     std::deque<HotKeyStatus> nextInstallStatuses;
     std::deque<HotKeyStatus> nextRegisterStatuses;
     std::deque<HotKeyStatus> nextUnregisterStatuses;
+
+    /// The hot keys of this program, in no order that means anything.
+    [[nodiscard]] std::vector<SimulatedKeyCombination> registered() const;
+    [[nodiscard]] bool isTakenByOther(SimulatedKeyCombination combination) const {
+        return m_takenByOthers.contains(combination);
+    }
 
     // For the hot-key adapter.
     std::expected<HotKeyReference, HotKeyStatus> add(SimulatedKeyCombination combination,

@@ -1,6 +1,9 @@
 #include "Tests/Simulation/Program.h"
 
+#include "Core/GlobalShortcuts/HotKeyServiceRegistrar.h"
 #include "Util/ScreenGeometry.h"
+
+#include <utility>
 
 namespace kestrove::simulation {
 
@@ -27,6 +30,9 @@ Program::Program(SimulatedDesktop& desktop)
     , m_container(containerView)
     , outputWindow(containerView, {settings.alwaysOnTop.get(), settings.hideOutputWindow.get()},
                    windowPlatform())
+    , globalShortcuts(std::make_unique<HotKeyServiceRegistrar>(desktop.loop(), m_hotKeys, m_log,
+                                                               bundleIdentifier),
+                      m_log, bundleIdentifier)
     , controller(collaborators()) {
     m_observations.push_back(
         m_application.onBecameActive([this] { controller.refreshIdlePermissionState(); }));
@@ -77,6 +83,7 @@ AppControllerCollaborators Program::collaborators() {
         .systemLog = m_log,
         .logSubsystem = bundleIdentifier,
         .diagnosticOutput = diagnostics,
+        .globalShortcuts = &globalShortcuts,
     };
 }
 
@@ -86,6 +93,11 @@ void Program::didFinishLaunching() {
     outputWindow.show();
     if (settings.autoStart.get() && !controller.sessionState().get().isActive())
         controller.start();
+}
+
+void Program::editShortcuts(ShortcutBindings edited) {
+    ++m_shortcutEditCount;
+    settings.shortcutBindings.set(std::move(edited));
 }
 
 SimulatedFramePointer Program::seen() const {

@@ -3,12 +3,14 @@
 #include "Core/AppController/AppController.h"
 #include "Core/AppController/TimerSourceRefreshScheduler.h"
 #include "Core/CaptureEngine/CaptureEngine.h"
+#include "Core/GlobalShortcuts/GlobalShortcuts.h"
 #include "Core/LiveScreenRecordingPermission.h"
 #include "Core/SourceLister/ScreenCaptureSourceSnapshotLister.h"
 #include "Core/SourceLister/WindowServerExistenceChecker.h"
 #include "Core/SourceLister/WorkspaceSessionLockMonitor.h"
 #include "Platform/Simulated/SimulatedApplication.h"
 #include "Platform/Simulated/SimulatedDisplayLayer.h"
+#include "Platform/Simulated/SimulatedHotKeys.h"
 #include "Platform/Simulated/SimulatedPointer.h"
 #include "Platform/Simulated/SimulatedScreenCapture.h"
 #include "Platform/Simulated/SimulatedScreenRecordingAccess.h"
@@ -69,6 +71,9 @@ public:
     [[nodiscard]] SimulatedDisplayLayer& displayLayer() const { return *m_displayLayer; }
     [[nodiscard]] const SimulatedOutputWindow* window() const { return m_window; }
     [[nodiscard]] SimulatedOutputWindow* window() { return m_window; }
+    /// The user has recorded shortcuts in the settings window.
+    void editShortcuts(ShortcutBindings edited);
+    [[nodiscard]] int shortcutEditCount() const { return m_shortcutEditCount; }
     /// What a viewer of the call sees in the output: null is the placeholder or black.
     [[nodiscard]] SimulatedFramePointer seen() const;
 
@@ -81,9 +86,11 @@ private:
     SimulatedPointer m_pointer{m_desktop};
     SimulatedUserDefaults m_userDefaults{m_desktop};
     SimulatedApplication m_application{m_desktop};
+    SimulatedHotKeys m_hotKeys{m_desktop};
     SimulatedSystemLog m_log;
     SimulatedDisplayLayer* m_displayLayer = nullptr;
     SimulatedOutputWindow* m_window = nullptr;
+    int m_shortcutEditCount = 0;
 
     [[nodiscard]] FollowedDesktop followed();
     [[nodiscard]] std::unique_ptr<DisplayLayer> makeLayer();
@@ -115,6 +122,7 @@ private:
 
 public:
     OutputWindowController outputWindow;
+    GlobalShortcuts globalShortcuts;
     AppController controller;
 
 private:

@@ -6,6 +6,7 @@
 #include <csignal>
 #include <cstdio>
 #include <fmt/format.h>
+#include <utility>
 
 namespace kestrove::simulation {
 
@@ -13,6 +14,7 @@ namespace {
 
 /// What runs now, for the handler below.
 const Steps* runningSteps = nullptr;
+std::string runningName;
 std::size_t runningCount = 0;
 
 /// The simulated desktop ends the process when it is misused. Not a handler that has to be safe in
@@ -20,15 +22,16 @@ std::size_t runningCount = 0;
 void printRunningSteps(int /*signal*/) {
     if (!runningSteps)
         return;
-    std::fputs("the process ends in this run:\n", stderr);
+    fmt::print(stderr, "the process ends in this run: {}\n", runningName);
     for (std::size_t index = 0; index < runningCount && index < runningSteps->size(); ++index)
         fmt::print(stderr, "  {:3} {}\n", index, describe((*runningSteps)[index]));
 }
 
 class RunningSteps {
 public:
-    explicit RunningSteps(const Steps& steps) {
+    RunningSteps(const Steps& steps, std::string name) {
         runningSteps = &steps;
+        runningName = std::move(name);
         runningCount = 0;
         m_previous = std::signal(SIGABRT, printRunningSteps);
     }
@@ -45,8 +48,8 @@ private:
 
 } // namespace
 
-RunResult run(const Steps& steps) {
-    const RunningSteps running(steps);
+RunResult run(const Steps& steps, const std::string& name) {
+    const RunningSteps running(steps, name);
     RunResult result;
     World world;
     for (const auto& step : steps) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Tests/Simulation/Checkers.h"
+#include "Tests/Simulation/Checkers/Checkers.h"
 #include "Tests/Simulation/Step.h"
 
 #include <optional>
@@ -15,8 +15,8 @@ struct RunResult {
 };
 
 /// One world from its beginning to its end. When the process is ended by a misuse of the desktop
-/// meanwhile, the steps so far are printed first.
-[[nodiscard]] RunResult run(const Steps& steps);
+/// meanwhile, `name` and the steps so far are printed first.
+[[nodiscard]] RunResult run(const Steps& steps, const std::string& name = "");
 
 /// The fewest steps found that still break the same rule.
 [[nodiscard]] Steps shrink(Steps steps, const std::string& rule);

@@ -58,6 +58,11 @@ constexpr std::array<Kind, static_cast<std::size_t>(StepKind::count)> kinds{{
     {"press refresh", 3},
     {"resize the output", 1},
     {"minimise the output", 1},
+    {"edit a shortcut", 4},
+    {"restore the shortcuts", 1},
+    {"press a hot key", 4},
+    {"another program takes a hot key or gives it back", 2},
+    {"the system refuses the next hot keys", 2},
     {"restart the program", 1},
     {"corrupt the settings and restart", 1},
 }};

@@ -1,7 +1,6 @@
 #include "Tests/Simulation/World.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <utility>
 
@@ -133,76 +132,6 @@ void World::applyToServices(const Step& step) {
     }
 }
 
-void World::toggleSource(const Step& step) {
-    const auto& lists = m_program->controller.availableSources().get();
-    auto offered = lists.displays;
-    offered.insert(offered.end(), lists.windows.begin(), lists.windows.end());
-    if (offered.empty())
-        return;
-    const auto& chosen = pick(offered, step.a);
-    m_program->controller.toggleSource(chosen.source, chosen.windowOwner);
-}
-
-void World::applyByHand(const Step& step) {
-    constexpr std::array modes{FollowMode::mouse, FollowMode::focusedApp, FollowMode::manual};
-    auto& settings = m_program->settings;
-    auto* const window = m_program->window();
-    switch (step.kind) {
-    case StepKind::start:
-        m_program->controller.start();
-        return;
-    case StepKind::stop:
-        m_program->controller.stop();
-        return;
-    case StepKind::setFollowMode:
-        settings.followMode.set(pick(modes, step.a));
-        return;
-    case StepKind::toggleSource:
-        toggleSource(step);
-        return;
-    case StepKind::setManualSources: {
-        auto sources = settings.manualSources.get();
-        if (!sources.empty())
-            sources.resize(1 + step.a % sources.size(), sources.front());
-        settings.manualSources.set(std::move(sources));
-        return;
-    }
-    case StepKind::setFramesPerSecond:
-        settings.targetFPS.set(1 + step.a % 90);
-        return;
-    case StepKind::toggleHidden:
-        settings.hideOutputWindow.set(!settings.hideOutputWindow.get());
-        return;
-    case StepKind::toggleAlwaysOnTop:
-        settings.alwaysOnTop.set(!settings.alwaysOnTop.get());
-        return;
-    case StepKind::refresh:
-        m_program->controller.scheduleSourceRefresh();
-        return;
-    case StepKind::resizeOutput:
-        if (window)
-            window->resizeByHand({step.a % 500 * 1.0, 50, 500.0 + step.b % 900, 400});
-        return;
-    case StepKind::miniaturizeOutput:
-        if (window)
-            window->miniaturize();
-        return;
-    case StepKind::corruptSettingsAndRestart: {
-        m_checkers.reset();
-        m_program.reset();
-        constexpr std::array keys{"kestrove.followMode", "kestrove.targetFPS",
-                                  "kestrove.manualSources", "kestrove.manualWindowSelections",
-                                  "kestrove.autoStart"};
-        m_desktop.defaults().setValue(pick(keys, step.a), std::string("\xff{[corrupt"));
-        restart();
-        return;
-    }
-    default:
-        restart();
-        return;
-    }
-}
-
 void World::pause(const Step& step) {
     switch (step.pause) {
     case Pause::none:
@@ -261,8 +190,9 @@ void World::calmDown() {
     apply({.kind = StepKind::releaseOperations});
     apply({.kind = StepKind::makeWindowListReadable});
     m_desktop.setRecordingAllowed(true);
-    m_desktop.becomeSession();
+    // In this order: only who unlocks says that the session is not locked.
     m_desktop.wakeScreens();
+    m_desktop.becomeSession();
     if (m_desktop.displays().empty())
         apply({.kind = StepKind::plugDisplay});
     // Choices made on the full disk are stored with the next choice.
@@ -272,6 +202,7 @@ void World::calmDown() {
     settings.alwaysOnTop.set(settings.alwaysOnTop.get());
     settings.hideOutputWindow.set(settings.hideOutputWindow.get());
     settings.manualSources.set(settings.manualSources.get());
+    useHotKeysInPeace();
     run(Seconds(12));
     note(m_checkers->whenSettled());
 

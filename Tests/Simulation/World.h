@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Platform/Simulated/SimulatedDesktop.h"
-#include "Tests/Simulation/Checkers.h"
+#include "Tests/Simulation/Checkers/Checkers.h"
 #include "Tests/Simulation/Program.h"
 #include "Tests/Simulation/Step.h"
 
@@ -41,6 +41,9 @@ private:
     void applyToSession(const Step& step);
     void applyToServices(const Step& step);
     void applyByHand(const Step& step);
+    void applyToHotKeys(const Step& step);
+    /// The user records shortcuts anew when nothing is in the way any more.
+    void useHotKeysInPeace();
     void planOperation(const Step& step);
     void toggleSource(const Step& step);
     void restart();

@@ -160,6 +160,17 @@ TEST_F(ShortcutSettingsCoordinatorTest, ARefusedKeyIsTakenBackAndItsFailureStays
     EXPECT_EQ(shortcuts.registeredActions().get(), everyAction);
 }
 
+TEST_F(ShortcutSettingsCoordinatorTest, WhatCameIntoForceAfterARefusedEditStands) {
+    create();
+    settings->shortcutBindings.set(
+        edited(ShortcutAction::startStop, {4, controlCommand, "h"})); // taken by hideToggle
+    const auto later = edited(ShortcutAction::startStop, {3, controlCommand, "f"});
+    settings->shortcutBindings.set(later);
+    loop.runUntilIdle();
+    EXPECT_EQ(wanted(), later);
+    EXPECT_TRUE(keyboard.press({3, controlCommand}));
+}
+
 TEST_F(ShortcutSettingsCoordinatorTest, ASuccessfulEditEndsTheNoteOfTheRecovery) {
     defaults.putData(key, duplicatedText);
     create();

@@ -4,6 +4,7 @@
 #include "Platform/Simulated/SimulatedDesktop.h"
 #include "Tests/Simulation/Program.h"
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -36,11 +37,29 @@ public:
     [[nodiscard]] std::optional<Failure> afterStop() const;
 
 private:
+    // Told at the moment of a change, before anybody can see it.
     void stateChanges(CaptureSessionState to);
+    void activeSourceChanges(const std::optional<CaptureSource>& source);
+    void followInterruption(CaptureSessionState to);
+    void shortcutFailuresChange(const ShortcutFailures& failures);
+    void noteMeanwhile(const char* rule, std::string detail);
+
+    // Output.cpp
     [[nodiscard]] std::optional<Failure> checkSeen() const;
-    [[nodiscard]] std::optional<Failure> checkSchedule() const;
-    [[nodiscard]] std::optional<Failure> checkStored() const;
+    [[nodiscard]] std::optional<Failure> checkLayer();
+    [[nodiscard]] std::optional<Failure> checkOutputFollowsState() const;
+    [[nodiscard]] std::optional<Failure> checkRequests();
     [[nodiscard]] std::optional<Failure> checkPictureIsOfNow() const;
+    // Session.cpp
+    [[nodiscard]] std::optional<Failure> checkTexts() const;
+    [[nodiscard]] std::optional<Failure> checkSchedule() const;
+    // Stored.cpp
+    [[nodiscard]] std::optional<Failure> checkStored() const;
+    [[nodiscard]] std::optional<Failure> checkHotKeys() const;
+    [[nodiscard]] std::optional<Failure> checkHotKeysWork() const;
+    // Sources.cpp
+    [[nodiscard]] std::optional<Failure> checkLists() const;
+    [[nodiscard]] std::optional<Failure> checkInterruptionIsOver() const;
     [[nodiscard]] std::optional<Failure> checkFollowed() const;
 
     SimulatedDesktop& m_desktop;
@@ -48,6 +67,13 @@ private:
     std::optional<Failure> m_brokenMeanwhile;
     /// When the output was cleared last.
     Seconds m_clearedAt{0};
+    std::size_t m_lookedAtChanges = 0;
+    std::size_t m_lookedAtRecords = 0;
+    CaptureSessionState m_stateAtLastLook = CaptureSessionState::stopped();
+    std::optional<CaptureSource> m_lastActive;
+    /// What was shown, by the user's own choice that still stands, when its stream ended by itself.
+    std::optional<CaptureSource> m_interrupted;
+    int m_editsAtFailure = 0;
     std::vector<Subscription> m_watching;
 };
 

@@ -1,0 +1,111 @@
+// What a viewer of the call can see.
+#include "Tests/Simulation/Checkers/Checkers.h"
+#include "Tests/Simulation/Checkers/Names.h"
+
+#include <fmt/format.h>
+
+namespace kestrove::simulation {
+
+using Kind = CaptureSessionState::Kind;
+
+void Checkers::activeSourceChanges(const std::optional<CaptureSource>& source) {
+    if (!source) {
+        m_clearedAt = m_desktop.loop().now();
+        return;
+    }
+    // Whatever is in the layer now is seen as soon as the source is said to be shown.
+    const auto frame = m_program.displayLayer().visible();
+    if (frame && sourceOf(frame->filter) != *source)
+        noteMeanwhile("only the source that is shown is in the layer when it is shown",
+                      fmt::format("{} is in it, {} is shown", nameOf(sourceOf(frame->filter)),
+                                  nameOf(source)));
+}
+
+/// Everything that was in the layer since the last look, seen or behind the placeholder: what is in
+/// it when the placeholder goes is seen.
+std::optional<Failure> Checkers::checkLayer() {
+    const auto& changes = m_program.displayLayer().changes();
+    for (; m_lookedAtChanges < changes.size(); ++m_lookedAtChanges) {
+        const auto& [at, frame] = changes[m_lookedAtChanges];
+        if (frame && frame->capturedAt < m_clearedAt)
+            return Failure{"nothing from before the output was cleared",
+                           fmt::format("{} of {} s at {} s, cleared at {} s",
+                                       nameOf(sourceOf(frame->filter)), frame->capturedAt.count(),
+                                       at.count(), m_clearedAt.count())};
+    }
+    return {};
+}
+
+/// What may be in the layer when everything that can be done has been done.
+std::optional<Failure> Checkers::checkOutputFollowsState() const {
+    const auto state = m_program.controller.sessionState().get();
+    const auto active = m_program.controller.activeSource().get();
+    if (m_program.seen() && state.kind() != Kind::running)
+        return Failure{"only a running session is seen", nameOf(state)};
+    if (m_program.displayLayer().visible() &&
+        !isOneOf(state.kind(), {Kind::running, Kind::switching}))
+        return Failure{"an empty layer while nothing is shown", nameOf(state)};
+    if (state.kind() == Kind::running && !active)
+        return Failure{"a running session has a source", ""};
+    if (active &&
+        isOneOf(state.kind(), {Kind::switching, Kind::waitingForSource, Kind::recoveryRequired}))
+        return Failure{"no source is said to be shown while none is",
+                       fmt::format("{}: {}", nameOf(state), nameOf(active))};
+    return {};
+}
+
+/// What the program has asked of the capture service since the last look. A session may have ended
+/// in the same turn.
+std::optional<Failure> Checkers::checkRequests() {
+    const auto& records = m_desktop.capture().records();
+    const auto state = m_program.controller.sessionState().get();
+    const auto mayCapture = [](CaptureSessionState at) {
+        return at.isActive() || at.kind() == Kind::stopping;
+    };
+    const bool isAllowed = mayCapture(state) || mayCapture(m_stateAtLastLook);
+    for (; m_lookedAtRecords < records.size(); ++m_lookedAtRecords) {
+        const auto call = records[m_lookedAtRecords].call;
+        const bool captures = call == CaptureCall::makeStream ||
+                              call == CaptureCall::startCapture ||
+                              call == CaptureCall::updateContentFilter;
+        if (captures && !isAllowed)
+            return Failure{"nothing is captured while nothing is shared", nameOf(state)};
+    }
+    m_stateAtLastLook = state;
+    return {};
+}
+
+std::optional<Failure> Checkers::checkSeen() const {
+    const auto frame = m_program.seen();
+    if (!frame)
+        return {};
+    const auto source = sourceOf(frame->filter);
+    const auto active = m_program.controller.activeSource().get();
+    if (active != source)
+        return Failure{"only the active source is seen",
+                       fmt::format("{} is seen, {} is active", nameOf(source), nameOf(active))};
+    if (frame->capturedAt < m_clearedAt)
+        return Failure{"nothing from before the output was cleared",
+                       fmt::format("of {} s, cleared at {} s", frame->capturedAt.count(),
+                                   m_clearedAt.count())};
+    const auto* const window = m_program.window();
+    if (window && source.isDisplay() &&
+        frame->picture.shows(static_cast<WindowID>(window->windowNumber())))
+        return Failure{"our own windows are in no picture", nameOf(source)};
+    return {};
+}
+
+std::optional<Failure> Checkers::checkPictureIsOfNow() const {
+    if (m_program.controller.sessionState().get().kind() != Kind::running)
+        return {};
+    const auto frame = m_program.seen();
+    if (!frame)
+        return Failure{"a running session shows its source",
+                       nameOf(m_program.controller.activeSource().get())};
+    const auto now = takePicture(m_desktop, frame->filter, CursorShown::yes);
+    if (!now || *now != frame->picture)
+        return Failure{"never a stale frame", nameOf(sourceOf(frame->filter))};
+    return {};
+}
+
+} // namespace kestrove::simulation

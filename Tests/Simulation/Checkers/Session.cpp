@@ -1,0 +1,79 @@
+// What the session does and says, and its refreshing.
+#include "Tests/Simulation/Checkers/Checkers.h"
+#include "Tests/Simulation/Checkers/Names.h"
+
+#include <array>
+#include <fmt/format.h>
+#include <string_view>
+
+namespace kestrove::simulation {
+
+using Kind = CaptureSessionState::Kind;
+
+namespace {
+
+constexpr std::array<std::string_view, 11> statusTexts{"画面収録の許可が取り消されました",
+                                                       "画面収録の許可が必要です",
+                                                       "利用可能な共有ソースがありません",
+                                                       "共有ソースの切替に失敗しました",
+                                                       "画面共有が停止しました",
+                                                       "停止中",
+                                                       "開始中…",
+                                                       "稼働中",
+                                                       "切替中…",
+                                                       "ソース待ち",
+                                                       "停止処理中…"};
+constexpr std::array<std::string_view, 5> guidanceTexts{
+    "開始または再試行すると、macOS の画面収録許可を確認できます。",
+    "システム設定で画面収録を許可してから再試行してください。",
+    "出力を安全に停止しました。画面収録を再許可してから再試行してください。",
+    "出力を安全に停止しました。ソースを確認して再試行してください。",
+    "古い映像を消して安全に停止しました。再試行してください。"};
+
+bool isAllowed(CaptureSessionState from, CaptureSessionState to) {
+    if (from == to)
+        return true;
+    if (from.isActive())
+        return !isOneOf(to.kind(), {Kind::stopped, Kind::starting});
+    if (from.kind() == Kind::stopping)
+        return to.kind() == Kind::stopped;
+    return isOneOf(to.kind(), {Kind::starting, Kind::permissionRequired});
+}
+
+} // namespace
+
+void Checkers::stateChanges(CaptureSessionState to) {
+    const auto from = m_program.controller.sessionState().get();
+    if (!isAllowed(from, to))
+        noteMeanwhile("only transitions of the table",
+                      fmt::format("{} to {}", nameOf(from), nameOf(to)));
+}
+
+std::optional<Failure> Checkers::checkTexts() const {
+    const auto& controller = m_program.controller;
+    const auto state = controller.sessionState().get();
+    if (!contains(statusTexts, state.statusMessage()))
+        return Failure{"the status is one of the texts", std::string(state.statusMessage())};
+    const auto guidance = controller.recoveryGuidance();
+    if (guidance && !contains(guidanceTexts, *guidance))
+        return Failure{"the guidance is one of the texts", std::string(*guidance)};
+    const bool isStuck = isOneOf(state.kind(), {Kind::permissionRequired, Kind::recoveryRequired});
+    if (guidance.has_value() != isStuck)
+        return Failure{"guidance exactly where the user has to do something", nameOf(state)};
+    return {};
+}
+
+std::optional<Failure> Checkers::checkSchedule() const {
+    const auto state = m_program.controller.sessionState().get();
+    const bool isScheduled = m_program.scheduler.isScheduled;
+    const bool mustBe = state.isActive();
+    const bool mustNotBe =
+        state.kind() == Kind::stopped ||
+        (state.recoveryReason() && *state.recoveryReason() != CaptureRecoveryReason::streamStopped);
+    if ((mustBe && !isScheduled) || (mustNotBe && isScheduled))
+        return Failure{"the refresh runs exactly when it should",
+                       fmt::format("{}, {}", nameOf(state), isScheduled ? "runs" : "does not")};
+    return {};
+}
+
+} // namespace kestrove::simulation

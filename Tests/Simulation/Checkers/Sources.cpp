@@ -1,0 +1,98 @@
+// Which sources are offered, shown and waited for.
+#include "Tests/Simulation/Checkers/Checkers.h"
+#include "Tests/Simulation/Checkers/Names.h"
+
+#include <fmt/format.h>
+
+namespace kestrove::simulation {
+
+using Kind = CaptureSessionState::Kind;
+
+void Checkers::followInterruption(CaptureSessionState to) {
+    const auto interrupted =
+        CaptureSessionState::recoveryRequired(CaptureRecoveryReason::streamStopped);
+    if (to != interrupted)
+        m_interrupted.reset();
+    else if (m_program.controller.sessionState().get() != interrupted)
+        m_interrupted = m_lastActive;
+    const auto& picked = m_program.settings.manualSources.get();
+    if (m_interrupted && !contains(picked, *m_interrupted))
+        m_interrupted.reset();
+}
+
+/// After some calm refreshes.
+std::optional<Failure> Checkers::checkInterruptionIsOver() const {
+    if (!m_interrupted)
+        return {};
+    if (canBeCaptured(m_desktop, *m_interrupted))
+        return Failure{"an interrupted chosen source that is back runs again",
+                       nameOf(m_interrupted)};
+    return {};
+}
+
+/// After the refreshes of a running session: what is offered is what is there, and what was picked
+/// and is away for a while.
+std::optional<Failure> Checkers::checkLists() const {
+    if (m_program.controller.sessionState().get().kind() != Kind::running)
+        return {};
+    const auto& lists = m_program.controller.availableSources().get();
+    const auto& picked = m_program.settings.manualSources.get();
+    std::vector<CaptureSource> offered;
+    for (const auto& info : lists.displays) {
+        offered.push_back(info.source);
+        if (!m_desktop.findDisplay(info.source.identifier()) && !contains(picked, info.source))
+            return Failure{"only what is there is offered", nameOf(info.source)};
+    }
+    for (const auto& info : lists.windows) {
+        offered.push_back(info.source);
+        const auto* const window = m_desktop.findWindow(info.source.identifier());
+        if (!window && !contains(picked, info.source))
+            return Failure{"only what is there is offered", nameOf(info.source)};
+        if (window && window->processID == m_desktop.ownProcess())
+            return Failure{"our own windows are not offered", nameOf(info.source)};
+        if (window && window->title != info.title)
+            return Failure{"a window has its title", info.title};
+    }
+    for (const auto& display : m_desktop.displays()) {
+        if (!contains(offered, CaptureSource::display(display.displayID)))
+            return Failure{"every display is offered", fmt::to_string(display.displayID)};
+    }
+    for (const auto& window : m_desktop.windows()) {
+        if (window.processID != m_desktop.ownProcess() &&
+            m_desktop.findApplication(window.processID) &&
+            !contains(offered, CaptureSource::window(window.windowID)))
+            return Failure{"every window is offered", fmt::to_string(window.windowID)};
+    }
+    for (const auto& source : picked) {
+        if (source.isWindow() && !m_desktop.findWindow(source.identifier()))
+            return Failure{"a pick that has ended is given up", nameOf(source)};
+    }
+    for (const auto& source : m_program.controller.unavailableManualSources().get()) {
+        if (!contains(picked, source))
+            return Failure{"only picks are said to be unavailable", nameOf(source)};
+    }
+    return {};
+}
+
+std::optional<Failure> Checkers::checkFollowed() const {
+    const auto& settings = m_program.settings;
+    const auto active = m_program.controller.activeSource().get();
+    std::optional<CaptureSource> wanted;
+    if (settings.followMode.get() == FollowMode::mouse) {
+        for (const auto& display : m_desktop.displays())
+            if (display.frame.contains(m_desktop.pointer()))
+                wanted = CaptureSource::display(display.displayID);
+    } else if (settings.followMode.get() == FollowMode::manual) {
+        const auto& picked = settings.manualSources.get();
+        if (picked.size() == 1)
+            wanted = picked.front();
+        else if (active && std::ranges::find(picked, *active) == picked.end())
+            return Failure{"by hand, only what was picked is shown", nameOf(active)};
+    }
+    if (wanted && canBeCaptured(m_desktop, *wanted) && active != wanted)
+        return Failure{"the source that the follow mode asks for",
+                       fmt::format("{} is shown, {} is wanted", nameOf(active), nameOf(wanted))};
+    return {};
+}
+
+} // namespace kestrove::simulation

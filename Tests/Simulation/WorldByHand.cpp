@@ -1,0 +1,161 @@
+// What the user does, with the program and with the keyboard.
+#include "Tests/Simulation/World.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <utility>
+
+namespace kestrove::simulation {
+
+namespace {
+
+/// Few, so that they collide.
+SimulatedKeyCombination someCombination(std::uint32_t number) {
+    constexpr std::array<std::uint32_t, 6> keyCodes{1, 4, 13, 35, 0, 2};
+    constexpr std::array modifiers{HotKeyModifier::control | HotKeyModifier::command,
+                                   HotKeyModifier::option | HotKeyModifier::shift,
+                                   HotKeyModifier::control | HotKeyModifier::command};
+    return {pick(keyCodes, number), pick(modifiers, number >> 4U)};
+}
+
+} // namespace
+
+void World::toggleSource(const Step& step) {
+    const auto& lists = m_program->controller.availableSources().get();
+    auto offered = lists.displays;
+    offered.insert(offered.end(), lists.windows.begin(), lists.windows.end());
+    if (offered.empty())
+        return;
+    const auto& chosen = pick(offered, step.a);
+    m_program->controller.toggleSource(chosen.source, chosen.windowOwner);
+}
+
+void World::applyByHand(const Step& step) {
+    constexpr std::array modes{FollowMode::mouse, FollowMode::focusedApp, FollowMode::manual};
+    auto& settings = m_program->settings;
+    auto* const window = m_program->window();
+    switch (step.kind) {
+    case StepKind::start:
+        m_program->controller.start();
+        return;
+    case StepKind::stop:
+        m_program->controller.stop();
+        return;
+    case StepKind::setFollowMode:
+        settings.followMode.set(pick(modes, step.a));
+        return;
+    case StepKind::toggleSource:
+        toggleSource(step);
+        return;
+    case StepKind::setManualSources: {
+        auto sources = settings.manualSources.get();
+        if (!sources.empty())
+            sources.resize(1 + step.a % sources.size(), sources.front());
+        settings.manualSources.set(std::move(sources));
+        return;
+    }
+    case StepKind::setFramesPerSecond:
+        settings.targetFPS.set(1 + step.a % 90);
+        return;
+    case StepKind::toggleHidden:
+        settings.hideOutputWindow.set(!settings.hideOutputWindow.get());
+        return;
+    case StepKind::toggleAlwaysOnTop:
+        settings.alwaysOnTop.set(!settings.alwaysOnTop.get());
+        return;
+    case StepKind::refresh:
+        m_program->controller.scheduleSourceRefresh();
+        return;
+    case StepKind::resizeOutput:
+        if (window)
+            window->resizeByHand({step.a % 500 * 1.0, 50, 500.0 + step.b % 900, 400});
+        return;
+    case StepKind::miniaturizeOutput:
+        if (window)
+            window->miniaturize();
+        return;
+    case StepKind::editShortcut:
+    case StepKind::restoreShortcuts:
+    case StepKind::pressHotKey:
+    case StepKind::takeOrGiveBackHotKey:
+    case StepKind::refuseHotKeys:
+        applyToHotKeys(step);
+        return;
+    case StepKind::corruptSettingsAndRestart: {
+        m_checkers.reset();
+        m_program.reset();
+        constexpr std::array keys{"kestrove.followMode",    "kestrove.targetFPS",
+                                  "kestrove.manualSources", "kestrove.manualWindowSelections",
+                                  "kestrove.autoStart",     "kestrove.shortcutBindings"};
+        m_desktop.defaults().setValue(pick(keys, step.a), std::string("\xff{[corrupt"));
+        restart();
+        return;
+    }
+    default:
+        restart();
+        return;
+    }
+}
+
+void World::applyToHotKeys(const Step& step) {
+    auto& keyboard = m_desktop.keyboard();
+    const auto& bindings = m_program->settings.shortcutBindings;
+    switch (step.kind) {
+    case StepKind::editShortcut: {
+        auto edited = bindings.get();
+        const auto [keyCode, modifiers] = someCombination(step.b);
+        // Now and then one that cannot be a shortcut.
+        edited[pick(allShortcutActions, step.a)] = {keyCode, step.a % 11 == 0 ? 0 : modifiers, "x"};
+        m_program->editShortcuts(std::move(edited));
+        return;
+    }
+    case StepKind::restoreShortcuts:
+        m_program->editShortcuts(GlobalShortcuts::defaultBindings());
+        return;
+    case StepKind::pressHotKey: {
+        const auto registered = keyboard.registered();
+        if (!registered.empty())
+            keyboard.press(pick(registered, step.a));
+        return;
+    }
+    case StepKind::takeOrGiveBackHotKey: {
+        const auto combination = someCombination(step.b);
+        if (keyboard.isTakenByOther(combination))
+            keyboard.giveBackByOtherProgram(combination);
+        else
+            keyboard.takeByOtherProgram(combination);
+        return;
+    }
+    default: {
+        constexpr HotKeyStatus refused = -9868;
+        auto& statuses = step.a % 3 == 0   ? keyboard.nextUnregisterStatuses
+                         : step.a % 3 == 1 ? keyboard.nextRegisterStatuses
+                                           : keyboard.nextInstallStatuses;
+        for (std::uint32_t call = 0; call <= step.b % 3; ++call)
+            statuses.push_back((step.b >> call) % 2 ? refused : 0);
+        return;
+    }
+    }
+}
+
+void World::useHotKeysInPeace() {
+    auto& keyboard = m_desktop.keyboard();
+    keyboard.nextInstallStatuses.clear();
+    keyboard.nextRegisterStatuses.clear();
+    keyboard.nextUnregisterStatuses.clear();
+    for (std::uint32_t number = 0; number < 0x100; ++number) {
+        const auto combination = someCombination(number);
+        if (keyboard.isTakenByOther(combination))
+            keyboard.giveBackByOtherProgram(combination);
+    }
+    // Two edits: one of them is a change.
+    auto bindings = GlobalShortcuts::defaultBindings();
+    bindings[ShortcutAction::hideToggle].keyCode = 38;
+    m_program->editShortcuts(bindings);
+    runUntilIdle();
+    m_program->editShortcuts(GlobalShortcuts::defaultBindings());
+    runUntilIdle();
+}
+
+} // namespace kestrove::simulation
