@@ -78,8 +78,11 @@ void ApplicationFixture::start() {
 
 void ApplicationFixture::start(const std::vector<std::string>& command) {
     m_program = desktop.start(command);
-    (void)waitUntil(
-        [this] { return (m_window = find("kestrove")) != 0 || !m_program->isRunning(); });
+    (void)waitUntil([this] {
+        if (meanwhile)
+            meanwhile();
+        return (m_window = find("kestrove")) != 0 || !m_program->isRunning();
+    });
     if (m_window == XCB_WINDOW_NONE) {
         giveUp("the program shows no window: " + m_program->logTail());
     }

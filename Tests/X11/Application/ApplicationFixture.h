@@ -79,6 +79,9 @@ protected:
     [[nodiscard]] xcb_window_t
     findTitled(const std::function<bool(std::string_view)>& isMeant) const;
 
+    /// What else has to go on while the program starts, e.g. a service that answers it.
+    std::function<void()> meanwhile;
+
     XDesktop desktop;
     XServer& server = desktop.server();
     PaintedDisplay left;
