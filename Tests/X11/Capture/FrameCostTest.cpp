@@ -1,0 +1,192 @@
+// What a frame asks of the X server, counted by the server itself: requests, bytes, draws and
+// pixels are the same on every machine, so that what costs more than before shows without a clock.
+
+#include "Tests/X11/Capture/CaptureFixture.h"
+#include "Tests/X11/Capture/RequestRecorder.h"
+
+#include <functional>
+
+namespace kestrove::test {
+namespace {
+
+constexpr int steps = 12;
+
+class FrameCost : public testing::Test {
+protected:
+    [[nodiscard]] const std::string& displayName() { return test.desktop.displayName(); }
+
+    /// A window that fills the left display, or lies on it.
+    [[nodiscard]] std::unique_ptr<TestWindow> source(const xcb_rectangle_t& geometry) {
+        return std::make_unique<TestWindow>(
+            displayName(), TestWindow::Options{.geometry = geometry, .overrideRedirect = true});
+    }
+
+    /// `change` is one drawing of another program. The server has drawn each frame before the next
+    /// change, else it would draw both at once.
+    [[nodiscard]] Traffic costOf(const std::function<void(int step)>& change) {
+        test.settle();
+        RequestRecorder recorder(displayName(), test.connection->get());
+        Traffic seen;
+        for (int step = 0; step < steps; ++step) {
+            const int before = test.frames;
+            change(step);
+            EXPECT_TRUE(test.loop.spinUntil([&] { return test.frames > before; }));
+            seen += recorder.take();
+            EXPECT_EQ(test.frames, before + 1);
+        }
+        return seen;
+    }
+
+    CaptureDesktop test;
+};
+
+/// `frame` is what one may cost; events at most, since the server may tell of several things at
+/// once.
+void expectPerFrame(const Traffic& seen, const Traffic& frame) {
+    EXPECT_EQ(seen.requests, frame.requests * steps);
+    EXPECT_EQ(seen.bytes, frame.bytes * steps);
+    EXPECT_EQ(seen.draws, frame.draws * steps);
+    EXPECT_EQ(seen.pixels, frame.pixels * steps);
+    EXPECT_EQ(seen.replies, frame.replies * steps);
+    EXPECT_LE(seen.events, frame.events * steps);
+}
+
+constexpr xcb_rectangle_t wholeLeft{0, 0, 1280, 800};
+
+TEST_F(FrameCost, OfABlockInADisplayOneToOne) {
+    const auto window = source(wholeLeft);
+    test.openOutput({1280, 0, 1280, 800});
+    test.start(test.display(0));
+    const auto seen = costOf(
+        [&](int step) { window->fillRectangle({100, 50, 200, 200}, static_cast<Color>(step)); });
+    expectPerFrame(seen, {.requests = 5,
+                          .bytes = 128,
+                          .draws = 2,
+                          .pixels = 2 * 200 * 200,
+                          .replies = 0,
+                          .events = 2});
+}
+
+TEST_F(FrameCost, OfAVideoInADisplayOneToOne) {
+    const auto window = source({40, 30, 1200, 700});
+    test.openOutput({1280, 0, 1280, 800});
+    test.start(test.display(0));
+    const auto seen = costOf(
+        [&](int step) { window->fillRectangle({0, 0, 1200, 700}, static_cast<Color>(step)); });
+    expectPerFrame(seen, {.requests = 5,
+                          .bytes = 128,
+                          .draws = 2,
+                          .pixels = 2 * 1200 * 700,
+                          .replies = 0,
+                          .events = 2});
+}
+
+TEST_F(FrameCost, OfAVideoThatIsTheWindowOneToOne) {
+    const auto window = source({40, 30, 1200, 700});
+    test.openOutput({1280, 0, 1200, 700});
+    test.start(WindowFilter(window->id()));
+    const auto seen = costOf(
+        [&](int step) { window->fillRectangle({0, 0, 1200, 700}, static_cast<Color>(step)); });
+    expectPerFrame(seen, {.requests = 5,
+                          .bytes = 128,
+                          .draws = 2,
+                          .pixels = 2 * 1200 * 700,
+                          .replies = 0,
+                          .events = 1});
+}
+
+TEST_F(FrameCost, OfADisplayReducedByLessThanTwo) {
+    const auto window = source(wholeLeft);
+    test.openOutput({1280, 0, 960, 600});
+    test.start(test.display(0));
+    const auto seen = costOf(
+        [&](int step) { window->fillRectangle({96, 48, 200, 200}, static_cast<Color>(step)); });
+    // The neighbours that the filter mixes in are one more pixel on each side.
+    expectPerFrame(seen, {.requests = 5,
+                          .bytes = 128,
+                          .draws = 2,
+                          .pixels = 200 * 200 + 152 * 152,
+                          .replies = 0,
+                          .events = 2});
+}
+
+TEST_F(FrameCost, OfADisplayReducedByMoreThanTwo) {
+    const auto window = source(wholeLeft);
+    test.openOutput({1280, 0, 320, 200});
+    test.start(test.display(0));
+    const auto seen = costOf(
+        [&](int step) { window->fillRectangle({96, 48, 200, 200}, static_cast<Color>(step)); });
+    // Painted once, halved once, drawn once.
+    expectPerFrame(seen, {.requests = 7,
+                          .bytes = 184,
+                          .draws = 3,
+                          .pixels = 200 * 200 + 100 * 100 + 52 * 52,
+                          .replies = 0,
+                          .events = 2});
+}
+
+TEST_F(FrameCost, OfABlockUnderTheOutput) {
+    const auto window = source(wholeLeft);
+    test.openOutput({400, 300, 640, 400});
+    test.start(test.display(0, {test.outputWindow()}));
+    const auto seen = costOf(
+        [&](int step) { window->fillRectangle({500, 350, 200, 200}, static_cast<Color>(step)); });
+    expectPerFrame(seen, {.requests = 6,
+                          .bytes = 144,
+                          .draws = 2,
+                          .pixels = 200 * 200 + 102 * 102,
+                          .replies = 0,
+                          .events = 2});
+}
+
+TEST_F(FrameCost, OfABlockBesideTheOutputOnTheSameDisplay) {
+    const auto window = source(wholeLeft);
+    test.openOutput({400, 300, 640, 400});
+    test.start(test.display(0, {test.outputWindow()}));
+    const auto seen = costOf(
+        [&](int step) { window->fillRectangle({100, 50, 200, 200}, static_cast<Color>(step)); });
+    expectPerFrame(seen, {.requests = 6,
+                          .bytes = 144,
+                          .draws = 2,
+                          .pixels = 200 * 200 + 102 * 102,
+                          .replies = 0,
+                          .events = 4});
+}
+
+TEST_F(FrameCost, IsTheSameAmongTwoHundredWindows) {
+    std::vector<std::unique_ptr<TestWindow>> others;
+    for (int index = 0; index < 200; ++index)
+        others.push_back(source({static_cast<std::int16_t>(index * 37 % 1000),
+                                 static_cast<std::int16_t>(index * 23 % 600), 280, 200}));
+    const auto window = source({0, 0, 600, 400});
+    test.openOutput({1280, 0, 1280, 800});
+    test.start(test.display(0));
+    const auto seen = costOf(
+        [&](int step) { window->fillRectangle({100, 50, 200, 200}, static_cast<Color>(step)); });
+    expectPerFrame(seen, {.requests = 5,
+                          .bytes = 128,
+                          .draws = 2,
+                          .pixels = 2 * 200 * 200,
+                          .replies = 0,
+                          .events = 2});
+}
+
+TEST_F(FrameCost, OfAMovedPointer) {
+    const auto window = source(wholeLeft);
+    test.openOutput({1280, 0, 1280, 800});
+    test.desktop.server().movePointer(600, 400);
+    test.start(test.display(0), CaptureDesktop::configurationAt(60, true));
+    const auto seen =
+        costOf([&](int step) { test.desktop.server().movePointer(50 + 40 * step, 70); });
+    // The question for the position is one round trip; the pointer's image is already there.
+    EXPECT_EQ(seen.requests, 8 * steps);
+    EXPECT_EQ(seen.bytes, 208 * steps);
+    EXPECT_EQ(seen.draws, 3 * steps);
+    constexpr int largestCursor = 64 * 64; // pixels
+    EXPECT_LE(seen.pixels, 5 * largestCursor * steps);
+    EXPECT_EQ(seen.replies, steps);
+    EXPECT_LE(seen.events, 2 * steps);
+}
+
+} // namespace
+} // namespace kestrove::test
