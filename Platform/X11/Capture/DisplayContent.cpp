@@ -68,7 +68,8 @@ void DisplayContent::arrange() {
         m_damage += m_composition.covered + next.covered;
     m_composition = std::move(next);
     updateBeneath();
-    watchDirect();
+    // What stayed changed where it was not shown directly is told from now on.
+    xcb_damage_subtract(m_connection.get(), m_rootDamage.get(), XCB_NONE, XCB_NONE);
     m_isNew = false;
     m_hasNews = true;
     m_connection.flush();
@@ -113,18 +114,17 @@ void DisplayContent::updateBeneath() {
                                                         m_services.stack.isComposited());
 }
 
-void DisplayContent::watchDirect() {
-    m_directRegion = makeServerRegion(m_connection, m_composition.direct);
-    xcb_damage_subtract(m_connection.get(), m_rootDamage.get(), XCB_NONE, XCB_NONE);
-}
-
 void DisplayContent::onEvent(const xcb_generic_event_t& event) {
     const int type = event.response_type & 0x7F;
     if (type == m_connection.extensions().damageFirstEvent + XCB_DAMAGE_NOTIFY) {
         const auto& notify = reinterpret_cast<const xcb_damage_notify_event_t&>(event);
         if (notify.damage != m_rootDamage.get())
             return;
-        m_damage += Region(notify.area) & m_composition.direct;
+        const auto direct = Region(notify.area) & m_composition.direct;
+        if (direct.isEmpty())
+            return;
+        m_damage += direct;
+        m_isRootDamaged = true;
         m_hasNews = true;
     } else if (type == XCB_PROPERTY_NOTIFY) {
         const auto& property = reinterpret_cast<const xcb_property_notify_event_t&>(event);
@@ -144,7 +144,10 @@ void DisplayContent::onDrained() {
 }
 
 Region DisplayContent::takeDamage() {
-    xcb_damage_subtract(m_connection.get(), m_rootDamage.get(), m_directRegion.get(), XCB_NONE);
+    // All of it: what a part leaves would be told again, each time. Of what is not ours to show, as
+    // our own drawing, there is one word after each frame and then none, since it stays changed.
+    if (std::exchange(m_isRootDamaged, false))
+        xcb_damage_subtract(m_connection.get(), m_rootDamage.get(), XCB_NONE, XCB_NONE);
     for (const auto& [window, beneath] : m_beneath)
         beneath.redirected->acceptDamage();
     return std::exchange(m_damage, {}).translated(-m_area.x, -m_area.y);

@@ -16,8 +16,8 @@ namespace kestrove::x11 {
 /// A display as the screen shows it, but for windows that are left out: where one of them would be
 /// seen, the windows beneath it are composed instead.
 ///
-/// Only what changes in the display and outside the left-out windows is told by the server: what we
-/// draw into our own windows wakes nobody.
+/// Only what changes in the display and outside the left-out windows makes it new: what we draw
+/// into our own windows wakes us once after a frame, and not at all without one.
 class DisplayContent final : public SourceContent {
 public:
     /// `area`: the display's pixels on the root.
@@ -42,7 +42,6 @@ private:
 
     void arrange();
     void updateBeneath();
-    void watchDirect();
     void onEvent(const xcb_generic_event_t& event);
     void onDrained();
     [[nodiscard]] Region displayRegion() const { return Region(m_area); }
@@ -59,7 +58,8 @@ private:
     std::unique_ptr<RootBackground> m_background;
     Picture m_root;
     DamageMonitor m_rootDamage;
-    ServerRegion m_directRegion;
+    /// Something to show was told since the changes were last accepted.
+    bool m_isRootDamaged = false;
     /// Root coordinates.
     Region m_damage;
     bool m_isNew = true;

@@ -1,5 +1,7 @@
 #include "Platform/X11/Capture/RedirectedWindow.h"
 
+#include <utility>
+
 namespace kestrove::x11 {
 
 RedirectedWindow::RedirectedWindow(Connection& connection, PictureFormats::Format format,
@@ -32,16 +34,21 @@ void RedirectedWindow::rename(int border) {
     xcb_composite_name_window_pixmap(xcb, m_window, m_pixmap.get());
     xcb_render_create_picture(xcb, m_picture.get(), m_pixmap.get(), m_format.identifier, 0,
                               nullptr);
+    m_isDamaged = true;
     acceptDamage();
 }
 
 void RedirectedWindow::setInterest(const Region& interest) {
-    m_interest = makeServerRegion(m_connection, interest.translated(-m_border, -m_border));
-    xcb_damage_subtract(m_connection.get(), m_damage.get(), XCB_NONE, XCB_NONE);
+    m_interest = interest;
+    // What stayed changed outside of the former interest is told from now on.
+    m_isDamaged = true;
+    acceptDamage();
 }
 
 void RedirectedWindow::acceptDamage() {
-    xcb_damage_subtract(m_connection.get(), m_damage.get(), m_interest.get(), XCB_NONE);
+    // All of it: what a part leaves would be told again, each time.
+    if (std::exchange(m_isDamaged, false))
+        xcb_damage_subtract(m_connection.get(), m_damage.get(), XCB_NONE, XCB_NONE);
 }
 
 void RedirectedWindow::onEvent(const xcb_generic_event_t& event) {
@@ -50,8 +57,15 @@ void RedirectedWindow::onEvent(const xcb_generic_event_t& event) {
         return;
     const auto& notify = reinterpret_cast<const xcb_damage_notify_event_t&>(event);
     // The area is told relative to the window inside its border.
-    if (notify.damage == m_damage.get())
-        damaged.emit(Region(notify.area).translated(m_border, m_border));
+    if (notify.damage != m_damage.get())
+        return;
+    auto area = Region(notify.area).translated(m_border, m_border);
+    if (m_interest)
+        area &= *m_interest;
+    if (area.isEmpty())
+        return;
+    m_isDamaged = true;
+    damaged.emit(area);
 }
 
 } // namespace kestrove::x11

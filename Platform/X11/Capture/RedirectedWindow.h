@@ -6,6 +6,8 @@
 #include "Platform/X11/Capture/ServerResource.h"
 #include "Platform/X11/Connection.h"
 
+#include <optional>
+
 namespace kestrove::x11 {
 
 /// A window whose content the server keeps in a pixmap of its own on our behalf, also where the
@@ -35,8 +37,8 @@ public:
     /// The window was mapped or resized.
     void rename(int border);
 
-    /// Limits what is told to `interest` (pixels of the outer rectangle): the rest, once changed,
-    /// stays changed, and wakes nobody up.
+    /// Limits what is told to `interest` (pixels of the outer rectangle). The rest, once changed,
+    /// stays changed until something of interest is accepted, and wakes nobody up till then.
     void setInterest(const Region& interest);
 
     /// Forgets the changes told so far, before they are drawn, so that later ones are told.
@@ -54,8 +56,10 @@ private:
     xcb_window_t m_window;
     int m_border;
     DamageMonitor m_damage;
-    /// Of the window inside its border; none for all of it.
-    ServerRegion m_interest;
+    /// Pixels of the outer rectangle; absent for all of them.
+    std::optional<Region> m_interest;
+    /// Something was told since the changes were last accepted.
+    bool m_isDamaged = false;
     Pixmap m_pixmap;
     Picture m_picture;
     Subscription m_events;

@@ -47,6 +47,8 @@ Task<std::expected<void, PlatformError>> X11CaptureStream::startCapture() {
     m_isRunning = true;
     m_lost = m_connection.lost.subscribe([this] { fail(connectionLost()); });
     m_room->onReleased = [this] {
+        // Whoever has shown the frame has sent all this already, in one piece with the drawing.
+        m_connection.flush();
         // Not here: the sample may be let go of in the middle of being shown.
         if (std::exchange(m_isWaitingForRoom, false))
             m_nextFrame = m_connection.loop().runAfter(Seconds(0), [this] { makeFrame(); });
@@ -199,7 +201,6 @@ void X11CaptureStream::paintCursor(const PaintedCursor& cursor) {
 }
 
 void X11CaptureStream::handOn(Region damage) {
-    m_connection.flush();
     m_lastFrame = m_connection.loop().now();
     ++m_room->samplesOnTheirWay;
     auto released = [room = m_room, &loop = m_connection.loop()](FrameSample::Content content) {

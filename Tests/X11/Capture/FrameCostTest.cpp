@@ -48,7 +48,8 @@ void expectPerFrame(const Traffic& seen, const Traffic& frame) {
     EXPECT_EQ(seen.draws, frame.draws * steps);
     EXPECT_EQ(seen.pixels, frame.pixels * steps);
     EXPECT_EQ(seen.replies, frame.replies * steps);
-    EXPECT_LE(seen.events, frame.events * steps);
+    // A word or two from before the first may be among them.
+    EXPECT_LE(seen.events, frame.events * steps + 2);
 }
 
 constexpr xcb_rectangle_t wholeLeft{0, 0, 1280, 800};
@@ -131,8 +132,8 @@ TEST_F(FrameCost, OfABlockUnderTheOutput) {
     test.start(test.display(0, {test.outputWindow()}));
     const auto seen = costOf(
         [&](int step) { window->fillRectangle({500, 350, 200, 200}, static_cast<Color>(step)); });
-    expectPerFrame(seen, {.requests = 6,
-                          .bytes = 144,
+    expectPerFrame(seen, {.requests = 5,
+                          .bytes = 128,
                           .draws = 2,
                           .pixels = 200 * 200 + 102 * 102,
                           .replies = 0,
@@ -145,22 +146,29 @@ TEST_F(FrameCost, OfABlockBesideTheOutputOnTheSameDisplay) {
     test.start(test.display(0, {test.outputWindow()}));
     const auto seen = costOf(
         [&](int step) { window->fillRectangle({100, 50, 200, 200}, static_cast<Color>(step)); });
-    expectPerFrame(seen, {.requests = 6,
-                          .bytes = 144,
+    expectPerFrame(seen, {.requests = 5,
+                          .bytes = 128,
                           .draws = 2,
                           .pixels = 200 * 200 + 102 * 102,
                           .replies = 0,
-                          .events = 4});
+                          .events = 2});
 }
 
-TEST_F(FrameCost, IsTheSameAmongTwoHundredWindows) {
+TEST_F(FrameCost, IsTheSameAmongManyWindows) {
     std::vector<std::unique_ptr<TestWindow>> others;
-    for (int index = 0; index < 200; ++index)
+    for (int index = 0; index < 150; ++index)
         others.push_back(source({static_cast<std::int16_t>(index * 37 % 1000),
                                  static_cast<std::int16_t>(index * 23 % 600), 280, 200}));
+    // What has changed where nobody looks.
+    std::vector<std::unique_ptr<TestWindow>> beside;
+    for (int index = 0; index < 40; ++index)
+        beside.push_back(source({static_cast<std::int16_t>(1300 + index * 29),
+                                 static_cast<std::int16_t>(index * 15), 15, 10}));
     const auto window = source({0, 0, 600, 400});
     test.openOutput({1280, 0, 1280, 800});
     test.start(test.display(0));
+    for (const auto& each : beside)
+        each->fillRectangle({0, 0, 15, 10}, 0xFF00FF00);
     const auto seen = costOf(
         [&](int step) { window->fillRectangle({100, 50, 200, 200}, static_cast<Color>(step)); });
     expectPerFrame(seen, {.requests = 5,
@@ -179,8 +187,8 @@ TEST_F(FrameCost, OfAMovedPointer) {
     const auto seen =
         costOf([&](int step) { test.desktop.server().movePointer(50 + 40 * step, 70); });
     // The question for the position is one round trip; the pointer's image is already there.
-    EXPECT_EQ(seen.requests, 8 * steps);
-    EXPECT_EQ(seen.bytes, 208 * steps);
+    EXPECT_EQ(seen.requests, 7 * steps);
+    EXPECT_EQ(seen.bytes, 192 * steps);
     EXPECT_EQ(seen.draws, 3 * steps);
     constexpr int largestCursor = 64 * 64; // pixels
     EXPECT_LE(seen.pixels, 5 * largestCursor * steps);
