@@ -26,14 +26,6 @@ enum class MenuCommand : std::uint8_t {
     quit,
 };
 
-/// Keys that work while one of our windows has the keyboard.
-struct MenuKeyEquivalent {
-    std::string keys;    ///< as Qt writes them; Meta is Command
-    std::string display; ///< as shortcuts are shown everywhere
-
-    bool operator==(const MenuKeyEquivalent&) const = default;
-};
-
 /// An entry that the user can click.
 struct MenuButton {
     MenuCommand command;
@@ -44,8 +36,9 @@ struct MenuButton {
     std::optional<std::string> symbol = std::nullopt;
     /// Shown while the pointer rests on it, and read to those who cannot see it.
     std::optional<std::string> help = std::nullopt;
-    /// Keys that do the same in our own windows; absent for most.
-    std::optional<MenuKeyEquivalent> keyEquivalent = std::nullopt;
+    /// Keys that do the same while one of our windows has the keyboard, as shortcuts are shown;
+    /// absent for most.
+    std::optional<std::string> keyEquivalent = std::nullopt;
     /// An entry that would do nothing now says so.
     bool isEnabled = true;
 

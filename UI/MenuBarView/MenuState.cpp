@@ -137,7 +137,7 @@ MenuContent menuContent(const MenuState& state) {
                                 "Webブラウザでプライバシーポリシーを開きます"),
         .quit = button(MenuCommand::quit, "Kestrove を終了"),
     };
-    content.quit.keyEquivalent = {.keys = "Meta+Q", .display = "⌘Q"};
+    content.quit.keyEquivalent = "⌘Q";
     if (state.offers.hasPicker) {
         content.picker = button(MenuCommand::showSourcePicker, "プレビューから選ぶ…",
                                 state.shortcuts.showPicker);

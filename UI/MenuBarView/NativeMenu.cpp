@@ -85,10 +85,6 @@ void NativeMenu::apply(QAction& action, const NativeMenuEntry& entry) const {
     action.setText(menuText(entry, m_menu.fontMetrics()));
     action.setToolTip(QString::fromStdString(entry.help.empty() ? entry.text : entry.help));
     action.setIcon(symbolIcon(entry.symbol));
-    action.setShortcut(QKeySequence(QString::fromStdString(entry.keyEquivalent)));
-    // Shown beside the text; our windows take the keys themselves.
-    action.setShortcutContext(Qt::WidgetShortcut);
-    action.setShortcutVisibleInContextMenu(true);
     action.setEnabled(entry.isEnabled && entry.kind != Kind::text);
     action.setChecked(entry.isChecked);
 }

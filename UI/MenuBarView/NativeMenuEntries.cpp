@@ -34,9 +34,9 @@ public:
             {.key = std::move(key),
              .kind = Kind::command,
              .text = button.label(),
+             .ending = button.keyEquivalent ? "  " + *button.keyEquivalent : "",
              .help = button.help.value_or(""),
              .symbol = button.symbol.value_or(""),
-             .keyEquivalent = button.keyEquivalent ? button.keyEquivalent->keys : "",
              .isEnabled = button.isEnabled,
              .run = [&view = m_view, command = button.command] { view.run(command); }});
     }

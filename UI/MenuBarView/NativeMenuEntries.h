@@ -24,8 +24,6 @@ struct NativeMenuEntry {
     std::string help = {};
     /// The name of a symbol; empty for most.
     std::string symbol = {};
-    /// Keys that do the same, as Qt writes them; empty for most.
-    std::string keyEquivalent = {};
     bool isEnabled = true;
     bool isChecked = false;
     /// Empty for what cannot be clicked.

@@ -14,10 +14,9 @@ namespace kestrove {
 using Kind = PanelRowContent::Kind;
 
 PanelRowContent panelRow(const MenuButton& button, Kind kind) {
-    const auto keys = button.keyEquivalent ? button.keyEquivalent->display : "";
     return {.kind = kind,
             .title = button.title,
-            .shortcut = button.shortcut.value_or(keys),
+            .shortcut = button.shortcut.value_or(button.keyEquivalent.value_or("")),
             .help = button.help.value_or(""),
             .symbol = button.symbol.value_or(""),
             .isEnabled = button.isEnabled};

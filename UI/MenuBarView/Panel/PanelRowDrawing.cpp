@@ -16,7 +16,8 @@ namespace {
 using Kind = PanelRowContent::Kind;
 
 constexpr double smallerText = 0.87;
-const QColor liveRed(0xd3, 0x1b, 0x2f); // 5.3 to 1 against its white text
+/// As the picker marks it. White on it is read: 5 to 1.
+constexpr QColor liveGreen(0x15, 0x80, 0x3D);
 constexpr auto liveText = "LIVE";
 
 bool isButton(Kind kind) {
@@ -104,7 +105,7 @@ QRect drawLiveBadge(QPainter& painter, QRect place, const QFont& font, const Mea
     badge.moveCenter(place.center());
     badge.moveRight(place.right());
     painter.setPen(Qt::NoPen);
-    painter.setBrush(liveRed);
+    painter.setBrush(liveGreen);
     painter.drawRoundedRect(badge, measures.radius() * 0.7, measures.radius() * 0.7);
     painter.setPen(Qt::white);
     painter.setFont(small);

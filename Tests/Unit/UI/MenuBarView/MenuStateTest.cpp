@@ -245,7 +245,7 @@ TEST(MenuState, EndsWithPrivacyAndQuit) {
     EXPECT_EQ(content.privacyPolicy.help, "Webブラウザでプライバシーポリシーを開きます");
     EXPECT_EQ(content.quit.command, MenuCommand::quit);
     EXPECT_EQ(content.quit.label(), "Kestrove を終了");
-    EXPECT_EQ(content.quit.keyEquivalent, (MenuKeyEquivalent{"Meta+Q", "⌘Q"}));
+    EXPECT_EQ(content.quit.keyEquivalent, "⌘Q");
 }
 
 } // namespace
