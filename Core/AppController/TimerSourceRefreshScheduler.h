@@ -15,6 +15,7 @@ public:
 
     void schedule(Seconds every, Operation operation) override;
     void cancel() override;
+    [[nodiscard]] bool isScheduled() const { return m_timer.isPending(); }
 
 private:
     MainLoop& m_loop;

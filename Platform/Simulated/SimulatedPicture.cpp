@@ -118,13 +118,17 @@ StillImage draw(const SimulatedPicture& picture, int width, int height) {
     StillImage image;
     image.width = width;
     image.height = height;
-    image.pixels.reserve(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 4);
+    image.pixels.resize(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 4);
+    auto* next = image.pixels.data();
     const Size pixels{static_cast<double>(width), static_cast<double>(height)};
     for (int y = 0; y < height; ++y) {
         for (int x = 0; x < width; ++x) {
             const auto color =
                 colorInFrame(picture, pixels, {static_cast<double>(x), static_cast<double>(y)});
-            image.pixels.insert(image.pixels.end(), {color.blue, color.green, color.red, 255});
+            *next++ = color.blue;
+            *next++ = color.green;
+            *next++ = color.red;
+            *next++ = 255;
         }
     }
     return image;

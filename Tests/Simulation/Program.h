@@ -1,13 +1,8 @@
 #pragma once
 
-#include "Core/AppController/AppController.h"
-#include "Core/AppController/TimerSourceRefreshScheduler.h"
-#include "Core/CaptureEngine/CaptureEngine.h"
-#include "Core/GlobalShortcuts/GlobalShortcuts.h"
-#include "Core/LiveScreenRecordingPermission.h"
-#include "Core/SourceLister/ScreenCaptureSourceSnapshotLister.h"
-#include "Core/SourceLister/WindowServerExistenceChecker.h"
-#include "Core/SourceLister/WorkspaceSessionLockMonitor.h"
+#include "App/KestroveSession.h"
+#include "Async/TaskScope.h"
+#include "Platform/Simulated/MergedNotice.h"
 #include "Platform/Simulated/SimulatedApplication.h"
 #include "Platform/Simulated/SimulatedDisplayLayer.h"
 #include "Platform/Simulated/SimulatedHotKeys.h"
@@ -20,9 +15,11 @@
 #include "Platform/Simulated/SimulatedWindowServer.h"
 #include "Platform/Simulated/SimulatedWorkspace.h"
 #include "Tests/Simulation/SimulatedOutputWindow.h"
-#include "UI/Composer/OutputContainer.h"
-#include "UI/OutputWindow/OutputWindowController.h"
+#include "Tests/Simulation/SimulatedOverlayWindow.h"
+#include "UI/MenuBarView/MenuBarView.h"
+#include "UI/SourcePicker/SourcePickerModel.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -37,47 +34,42 @@ public:
     std::vector<std::string> lines;
 };
 
-/// Passes on to the real scheduler, and knows whether it is scheduled.
-class WatchedScheduler final : public SourceRefreshScheduling {
-public:
-    explicit WatchedScheduler(MainLoop& loop)
-        : m_scheduler(loop) {}
-
-    void schedule(Seconds every, Operation operation) override {
-        isScheduled = true;
-        m_scheduler.schedule(every, std::move(operation));
-    }
-    void cancel() override {
-        isScheduled = false;
-        m_scheduler.cancel();
-    }
-
-    bool isScheduled = false;
-
-private:
-    TimerSourceRefreshScheduler m_scheduler;
-};
-
-/// One run of the program on a simulated desktop: everything of the product but its views and its
-/// adapters, joined as the application joins it. The desktop, with what is stored, outlives it.
+/// One run of the program on a simulated desktop: the application's own session, with its menu and
+/// the picker's model, over simulated adapters and windows. The desktop, with what is stored,
+/// outlives it.
 class Program {
 public:
     explicit Program(SimulatedDesktop& desktop);
 
-    void start() { controller.start(); }
     /// What happens when the last thing to do at the start is done.
-    void didFinishLaunching();
+    void didFinishLaunching() { m_session.delegate().applicationDidFinishLaunching(); }
 
+    [[nodiscard]] AppSettings& settings() { return m_session.settings(); }
+    [[nodiscard]] AppController& controller() { return m_session.controller(); }
+    [[nodiscard]] GlobalShortcuts& globalShortcuts() { return m_session.globalShortcuts(); }
+    [[nodiscard]] bool isRefreshScheduled() const {
+        return m_session.refreshScheduler().isScheduled();
+    }
+    [[nodiscard]] MenuBarView& menu() { return m_menu; }
+    /// Absent until it has been opened.
+    [[nodiscard]] const std::optional<SourcePickerModel>& picker() const { return m_picker; }
+    [[nodiscard]] SimulatedScreenRecordingAccess& access() { return m_access; }
     [[nodiscard]] SimulatedDisplayLayer& displayLayer() const { return *m_displayLayer; }
-    [[nodiscard]] const SimulatedOutputWindow* window() const { return m_window; }
-    [[nodiscard]] SimulatedOutputWindow* window() { return m_window; }
-    /// The user has recorded shortcuts in the settings window.
-    void editShortcuts(ShortcutBindings edited);
-    [[nodiscard]] int shortcutEditCount() const { return m_shortcutEditCount; }
+    [[nodiscard]] SimulatedOutputWindow* window() const { return m_window; }
+    [[nodiscard]] const SimulatedOverlayWindow& overlay() const { return *m_overlay; }
     /// What a viewer of the call sees in the output: null is the placeholder or black.
     [[nodiscard]] SimulatedFramePointer seen() const;
 
+    /// The user has recorded shortcuts in the settings window.
+    void editShortcuts(ShortcutBindings edited);
+    [[nodiscard]] int shortcutEditCount() const { return m_shortcutEditCount; }
+
 private:
+    [[nodiscard]] SessionDesktop sessionDesktop();
+    [[nodiscard]] SessionViews sessionViews();
+    [[nodiscard]] MenuBarViewCollaborators menuCollaborators();
+    void showSourcePicker();
+
     SimulatedDesktop& m_desktop;
     SimulatedScreenCapture m_screenCapture{m_desktop};
     SimulatedWindowServer m_windowServer{m_desktop};
@@ -87,46 +79,20 @@ private:
     SimulatedUserDefaults m_userDefaults{m_desktop};
     SimulatedApplication m_application{m_desktop};
     SimulatedHotKeys m_hotKeys{m_desktop};
+    SimulatedScreenRecordingAccess m_access{m_desktop};
     SimulatedSystemLog m_log;
+    KeptDiagnostics m_diagnostics;
+    MergedNotice m_windowsChanged{m_desktop.loop()};
+    Subscription m_worldChanges;
+    SimulatedContainerView m_containerView{m_desktop};
     SimulatedDisplayLayer* m_displayLayer = nullptr;
     SimulatedOutputWindow* m_window = nullptr;
+    SimulatedOverlayWindow* m_overlay = nullptr;
     int m_shortcutEditCount = 0;
-
-    [[nodiscard]] FollowedDesktop followed();
-    [[nodiscard]] std::unique_ptr<DisplayLayer> makeLayer();
-    [[nodiscard]] OutputWindowPlatform windowPlatform();
-    [[nodiscard]] AppControllerCollaborators collaborators();
-
-public:
-    SimulatedScreenRecordingAccess access{m_desktop};
-    AppSettings settings{m_userDefaults};
-    KeptDiagnostics diagnostics;
-
-private:
-    PermissionGuard m_permissionGuard;
-    LiveScreenRecordingPermission m_permission;
-    FrameRenderer m_renderer;
-    CaptureEngine m_engine;
-    ActiveDisplayTracker m_displayTracker;
-    ActiveSourceResolver m_sourceResolver;
-    ScreenCaptureSourceSnapshotLister m_lister;
-    WindowServerExistenceChecker m_existenceChecker;
-    WorkspaceSessionLockMonitor m_lockMonitor;
-
-public:
-    WatchedScheduler scheduler;
-    SimulatedContainerView containerView;
-
-private:
-    OutputContainer m_container;
-
-public:
-    OutputWindowController outputWindow;
-    GlobalShortcuts globalShortcuts;
-    AppController controller;
-
-private:
-    std::vector<Subscription> m_observations;
+    KestroveSession m_session;
+    MenuBarView m_menu;
+    std::optional<SourcePickerModel> m_picker;
+    TaskScope m_tasks;
 };
 
 } // namespace kestrove::simulation

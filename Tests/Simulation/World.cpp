@@ -164,6 +164,7 @@ void World::runUntilIdle() {
     while (!m_failure && m_loop.runOne())
         check();
     note(m_checkers->whenIdle());
+    note(m_checkers->afterUse());
 }
 
 void World::run(Seconds duration) {
@@ -196,7 +197,7 @@ void World::calmDown() {
     if (m_desktop.displays().empty())
         apply({.kind = StepKind::plugDisplay});
     // Choices made on the full disk are stored with the next choice.
-    auto& settings = m_program->settings;
+    auto& settings = m_program->settings();
     settings.followMode.set(settings.followMode.get());
     settings.targetFPS.set(settings.targetFPS.get());
     settings.alwaysOnTop.set(settings.alwaysOnTop.get());
@@ -207,14 +208,14 @@ void World::calmDown() {
     note(m_checkers->whenSettled());
 
     // The user goes on.
-    m_program->controller.start();
+    m_program->controller().start();
     run(Seconds(6));
     m_desktop.movePointer(somePointOnADisplay({.a = 0, .b = 77}));
     run(Seconds(1));
     m_desktop.movePointer(somePointOnADisplay({.a = 1, .b = 99}));
     run(Seconds(1));
     note(m_checkers->whileSharing());
-    m_program->controller.stop();
+    m_program->controller().stop();
     run(Seconds(1));
     note(m_checkers->afterStop());
 }

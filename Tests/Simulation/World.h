@@ -41,6 +41,8 @@ private:
     void applyToSession(const Step& step);
     void applyToServices(const Step& step);
     void applyByHand(const Step& step);
+    void applyToMenu(const Step& step);
+    void pickInPicker(const Step& step);
     void applyToHotKeys(const Step& step);
     /// The user records shortcuts anew when nothing is in the way any more.
     void useHotKeysInPeace();

@@ -22,25 +22,25 @@ SimulatedKeyCombination someCombination(std::uint32_t number) {
 } // namespace
 
 void World::toggleSource(const Step& step) {
-    const auto& lists = m_program->controller.availableSources().get();
+    const auto& lists = m_program->controller().availableSources().get();
     auto offered = lists.displays;
     offered.insert(offered.end(), lists.windows.begin(), lists.windows.end());
     if (offered.empty())
         return;
     const auto& chosen = pick(offered, step.a);
-    m_program->controller.toggleSource(chosen.source, chosen.windowOwner);
+    m_program->controller().toggleSource(chosen.source, chosen.windowOwner);
 }
 
 void World::applyByHand(const Step& step) {
     constexpr std::array modes{FollowMode::mouse, FollowMode::focusedApp, FollowMode::manual};
-    auto& settings = m_program->settings;
+    auto& settings = m_program->settings();
     auto* const window = m_program->window();
     switch (step.kind) {
     case StepKind::start:
-        m_program->controller.start();
+        m_program->controller().start();
         return;
     case StepKind::stop:
-        m_program->controller.stop();
+        m_program->controller().stop();
         return;
     case StepKind::setFollowMode:
         settings.followMode.set(pick(modes, step.a));
@@ -65,7 +65,7 @@ void World::applyByHand(const Step& step) {
         settings.alwaysOnTop.set(!settings.alwaysOnTop.get());
         return;
     case StepKind::refresh:
-        m_program->controller.scheduleSourceRefresh();
+        m_program->controller().scheduleSourceRefresh();
         return;
     case StepKind::resizeOutput:
         if (window)
@@ -74,6 +74,17 @@ void World::applyByHand(const Step& step) {
     case StepKind::miniaturizeOutput:
         if (window)
             window->miniaturize();
+        return;
+    case StepKind::openMenu:
+    case StepKind::runMenuCommand:
+    case StepKind::clickInMenu:
+        applyToMenu(step);
+        return;
+    case StepKind::openPicker:
+        m_program->controller().showSourcePicker();
+        return;
+    case StepKind::pickInPicker:
+        pickInPicker(step);
         return;
     case StepKind::editShortcut:
     case StepKind::restoreShortcuts:
@@ -98,9 +109,55 @@ void World::applyByHand(const Step& step) {
     }
 }
 
+void World::applyToMenu(const Step& step) {
+    auto& menu = m_program->menu();
+    if (step.kind == StepKind::openMenu) {
+        menu.willOpen();
+        return;
+    }
+    const auto content = menu.content();
+    if (step.kind == StepKind::clickInMenu) {
+        auto rows = content.sources.displays.rows;
+        const auto& windows = content.sources.windows.rows;
+        rows.insert(rows.end(), windows.begin(), windows.end());
+        if (step.b % 3 == 0 || rows.empty())
+            menu.choose(pick(content.sources.followModes, step.a).mode);
+        else
+            menu.toggle(pick(rows, step.a));
+        return;
+    }
+    std::vector<MenuButton> buttons{content.session, content.sources.refresh, content.quit};
+    buttons.insert(buttons.end(), content.outputWindow.begin(), content.outputWindow.end());
+    if (content.picker)
+        buttons.push_back(*content.picker);
+    if (content.recovery)
+        buttons.push_back(content.recovery->retry);
+    const auto& button = pick(buttons, step.a);
+    if (!button.isEnabled)
+        return;
+    menu.run(button.command);
+    if (button.command == MenuCommand::quit) {
+        runOperations(step.b % 8);
+        restart();
+    }
+}
+
+void World::pickInPicker(const Step& step) {
+    const auto& picker = m_program->picker();
+    if (!picker)
+        return;
+    auto previews = picker->displays().get();
+    const auto& windows = picker->windows().get();
+    previews.insert(previews.end(), windows.begin(), windows.end());
+    if (previews.empty())
+        return;
+    const auto& info = pick(previews, step.a).info;
+    m_program->controller().toggleSource(info.source, info.windowOwner);
+}
+
 void World::applyToHotKeys(const Step& step) {
     auto& keyboard = m_desktop.keyboard();
-    const auto& bindings = m_program->settings.shortcutBindings;
+    const auto& bindings = m_program->settings().shortcutBindings;
     switch (step.kind) {
     case StepKind::editShortcut: {
         auto edited = bindings.get();

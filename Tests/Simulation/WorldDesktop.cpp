@@ -174,7 +174,7 @@ void World::applyToSession(const Step& step) {
         m_desktop.setRecordingAllowed(true);
         return;
     default:
-        m_program->access.setUserGrants(step.a % 2 == 0);
+        m_program->access().setUserGrants(step.a % 2 == 0);
         return;
     }
 }

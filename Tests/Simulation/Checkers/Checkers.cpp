@@ -14,22 +14,22 @@ Checkers::Checkers(SimulatedDesktop& desktop, Program& program)
     , m_program(program)
     , m_lookedAtRecords(desktop.capture().records().size()) {
     m_watching.push_back(
-        program.controller.sessionState().subscribe([this](const CaptureSessionState& state) {
+        program.controller().sessionState().subscribe([this](const CaptureSessionState& state) {
             stateChanges(state);
             followInterruption(state);
         }));
-    m_watching.push_back(program.controller.activeSource().subscribe(
+    m_watching.push_back(program.controller().activeSource().subscribe(
         [this](const std::optional<CaptureSource>& source) {
             activeSourceChanges(source);
             if (source)
                 m_lastActive = source;
         }));
-    m_watching.push_back(
-        program.settings.manualSources.subscribe([this](const std::vector<CaptureSource>& picked) {
+    m_watching.push_back(program.settings().manualSources.subscribe(
+        [this](const std::vector<CaptureSource>& picked) {
             if (m_interrupted && !contains(picked, *m_interrupted))
                 m_interrupted.reset();
         }));
-    m_watching.push_back(program.globalShortcuts.operationFailures().subscribe(
+    m_watching.push_back(program.globalShortcuts().operationFailures().subscribe(
         [this](const ShortcutFailures& failures) { shortcutFailuresChange(failures); }));
 }
 
@@ -54,13 +54,17 @@ std::optional<Failure> Checkers::whenIdle() const {
     // A stream whose start is answered late, after a stop, runs until the program hears of it.
     if (const auto streams = m_desktop.capture().runningStreamCount(); streams > 1)
         return Failure{"at most one stream", fmt::format("{} run", streams)};
-    if (auto failure = checkHotKeys())
+    if (auto failure = checkMark())
         return failure;
     return checkOutputFollowsState();
 }
 
+std::optional<Failure> Checkers::afterUse() const {
+    return checkHotKeys();
+}
+
 std::optional<Failure> Checkers::whenSettled() const {
-    const auto state = m_program.controller.sessionState().get();
+    const auto state = m_program.controller().sessionState().get();
     if (isOneOf(state.kind(), {Kind::starting, Kind::switching, Kind::stopping}))
         return Failure{"every state settles", nameOf(state)};
     const auto streams = m_desktop.capture().runningStreamCount();
@@ -72,7 +76,13 @@ std::optional<Failure> Checkers::whenSettled() const {
         return failure;
     if (auto failure = checkStored())
         return failure;
+    if (auto failure = checkHotKeys())
+        return failure;
     if (auto failure = checkHotKeysWork())
+        return failure;
+    if (auto failure = checkPicker())
+        return failure;
+    if (auto failure = checkMarkIsInPlace())
         return failure;
     if (auto failure = checkInterruptionIsOver())
         return failure;
@@ -82,8 +92,8 @@ std::optional<Failure> Checkers::whenSettled() const {
 std::optional<Failure> Checkers::whileSharing() const {
     if (auto failure = whenSettled())
         return failure;
-    const auto state = m_program.controller.sessionState().get();
-    const auto& settings = m_program.settings;
+    const auto state = m_program.controller().sessionState().get();
+    const auto& settings = m_program.settings();
     const auto& picked = settings.manualSources.get();
     const bool canShare = settings.followMode.get() != FollowMode::manual ||
                           (!picked.empty() && std::ranges::all_of(picked, [this](auto source) {
@@ -97,7 +107,7 @@ std::optional<Failure> Checkers::whileSharing() const {
 }
 
 std::optional<Failure> Checkers::afterStop() const {
-    const auto state = m_program.controller.sessionState().get();
+    const auto state = m_program.controller().sessionState().get();
     if (isOneOf(state.kind(), {Kind::running, Kind::starting, Kind::switching,
                                Kind::waitingForSource, Kind::stopping}))
         return Failure{"stop ends every session", nameOf(state)};

@@ -29,6 +29,8 @@ public:
     [[nodiscard]] std::optional<Failure> always();
     /// What holds when the program has done all that it can at this moment.
     [[nodiscard]] std::optional<Failure> whenIdle() const;
+    /// What holds, besides, when the user has done something: dear to look at all the time.
+    [[nodiscard]] std::optional<Failure> afterUse() const;
     /// What holds when the desktop has answered everything and time has passed.
     [[nodiscard]] std::optional<Failure> whenSettled() const;
     /// What holds, besides, when the user has started and has just moved the pointer.
@@ -48,6 +50,8 @@ private:
     [[nodiscard]] std::optional<Failure> checkSeen() const;
     [[nodiscard]] std::optional<Failure> checkLayer();
     [[nodiscard]] std::optional<Failure> checkOutputFollowsState() const;
+    [[nodiscard]] std::optional<Failure> checkMark() const;
+    [[nodiscard]] std::optional<Failure> checkMarkIsInPlace() const;
     [[nodiscard]] std::optional<Failure> checkRequests();
     [[nodiscard]] std::optional<Failure> checkPictureIsOfNow() const;
     // Session.cpp
@@ -59,6 +63,7 @@ private:
     [[nodiscard]] std::optional<Failure> checkHotKeysWork() const;
     // Sources.cpp
     [[nodiscard]] std::optional<Failure> checkLists() const;
+    [[nodiscard]] std::optional<Failure> checkPicker() const;
     [[nodiscard]] std::optional<Failure> checkInterruptionIsOver() const;
     [[nodiscard]] std::optional<Failure> checkFollowed() const;
 
@@ -69,7 +74,8 @@ private:
     Seconds m_clearedAt{0};
     std::size_t m_lookedAtChanges = 0;
     std::size_t m_lookedAtRecords = 0;
-    CaptureSessionState m_stateAtLastLook = CaptureSessionState::stopped();
+    /// At any moment since the last look.
+    bool m_mayHaveCaptured = false;
     std::optional<CaptureSource> m_lastActive;
     /// What was shown, by the user's own choice that still stands, when its stream ended by itself.
     std::optional<CaptureSource> m_interrupted;

@@ -10,6 +10,10 @@ bool isOneOf(Kind kind, std::initializer_list<Kind> kinds) {
     return contains(kinds, kind);
 }
 
+bool mayCapture(CaptureSessionState state) {
+    return state.isActive() || state.kind() == Kind::stopping;
+}
+
 const char* nameOf(CaptureSessionState state) {
     switch (state.kind()) {
     case Kind::permissionRequired:

@@ -21,6 +21,8 @@ template <class List, class Value>
 
 [[nodiscard]] bool isOneOf(CaptureSessionState::Kind kind,
                            std::initializer_list<CaptureSessionState::Kind> kinds);
+/// Whether something may be asked of the capture service.
+[[nodiscard]] bool mayCapture(CaptureSessionState state);
 [[nodiscard]] const char* nameOf(CaptureSessionState state);
 [[nodiscard]] std::string nameOf(const std::optional<CaptureSource>& source);
 [[nodiscard]] CaptureSource sourceOf(const ContentFilter& filter);

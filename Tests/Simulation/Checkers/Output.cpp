@@ -27,7 +27,9 @@ std::optional<Failure> Checkers::checkLayer() {
     const auto& changes = m_program.displayLayer().changes();
     for (; m_lookedAtChanges < changes.size(); ++m_lookedAtChanges) {
         const auto& [at, frame] = changes[m_lookedAtChanges];
-        if (frame && frame->capturedAt < m_clearedAt)
+        // What was in it before it was cleared may have been there.
+        const bool isAfter = at > m_clearedAt || m_lookedAtChanges + 1 == changes.size();
+        if (frame && isAfter && frame->capturedAt < m_clearedAt)
             return Failure{"nothing from before the output was cleared",
                            fmt::format("{} of {} s at {} s, cleared at {} s",
                                        nameOf(sourceOf(frame->filter)), frame->capturedAt.count(),
@@ -38,8 +40,8 @@ std::optional<Failure> Checkers::checkLayer() {
 
 /// What may be in the layer when everything that can be done has been done.
 std::optional<Failure> Checkers::checkOutputFollowsState() const {
-    const auto state = m_program.controller.sessionState().get();
-    const auto active = m_program.controller.activeSource().get();
+    const auto state = m_program.controller().sessionState().get();
+    const auto active = m_program.controller().activeSource().get();
     if (m_program.seen() && state.kind() != Kind::running)
         return Failure{"only a running session is seen", nameOf(state)};
     if (m_program.displayLayer().visible() &&
@@ -54,24 +56,54 @@ std::optional<Failure> Checkers::checkOutputFollowsState() const {
     return {};
 }
 
-/// What the program has asked of the capture service since the last look. A session may have ended
-/// in the same turn.
+/// The frame on the user's own screen marks what is shown, and nothing else.
+std::optional<Failure> Checkers::checkMark() const {
+    const auto& mark = m_program.overlay();
+    const auto active = m_program.controller().activeSource().get();
+    const auto state = m_program.controller().sessionState().get();
+    if (mark.isVisible() && (state.kind() != Kind::running || !active))
+        return Failure{"only what is shown is marked", nameOf(state)};
+    return {};
+}
+
+std::optional<Failure> Checkers::checkMarkIsInPlace() const {
+    const auto& mark = m_program.overlay();
+    const auto active = m_program.controller().activeSource().get();
+    if (m_program.controller().sessionState().get().kind() != Kind::running || !active)
+        return {};
+    if (active->isDisplay()) {
+        const auto* const display = m_desktop.findDisplay(active->identifier());
+        if (display && (!mark.isVisible() || mark.frame() != display->frame))
+            return Failure{"the display that is shown is marked", nameOf(active)};
+        return {};
+    }
+    const auto* const window = m_desktop.findWindow(active->identifier());
+    if (window && mark.isVisible() && mark.frame() != m_desktop.flipped(window->frame))
+        return Failure{"the mark is where the window is", nameOf(active)};
+    const bool isInFront =
+        window && window->isOnScreen && window->layer == 0 &&
+        m_desktop.windowAt({window->frame.x + window->frame.width / 2,
+                            window->frame.y + window->frame.height / 2}) == window;
+    if (isInFront && !mark.isVisible())
+        return Failure{"the window that is shown is marked", nameOf(active)};
+    return {};
+}
+
+/// What the program has asked of the capture service since the last look. A session may have begun
+/// and ended in between.
 std::optional<Failure> Checkers::checkRequests() {
     const auto& records = m_desktop.capture().records();
-    const auto state = m_program.controller.sessionState().get();
-    const auto mayCapture = [](CaptureSessionState at) {
-        return at.isActive() || at.kind() == Kind::stopping;
-    };
-    const bool isAllowed = mayCapture(state) || mayCapture(m_stateAtLastLook);
+    const auto state = m_program.controller().sessionState().get();
+    m_mayHaveCaptured |= mayCapture(state);
     for (; m_lookedAtRecords < records.size(); ++m_lookedAtRecords) {
         const auto call = records[m_lookedAtRecords].call;
         const bool captures = call == CaptureCall::makeStream ||
                               call == CaptureCall::startCapture ||
                               call == CaptureCall::updateContentFilter;
-        if (captures && !isAllowed)
+        if (captures && !m_mayHaveCaptured)
             return Failure{"nothing is captured while nothing is shared", nameOf(state)};
     }
-    m_stateAtLastLook = state;
+    m_mayHaveCaptured = mayCapture(state);
     return {};
 }
 
@@ -80,7 +112,7 @@ std::optional<Failure> Checkers::checkSeen() const {
     if (!frame)
         return {};
     const auto source = sourceOf(frame->filter);
-    const auto active = m_program.controller.activeSource().get();
+    const auto active = m_program.controller().activeSource().get();
     if (active != source)
         return Failure{"only the active source is seen",
                        fmt::format("{} is seen, {} is active", nameOf(source), nameOf(active))};
@@ -92,16 +124,19 @@ std::optional<Failure> Checkers::checkSeen() const {
     if (window && source.isDisplay() &&
         frame->picture.shows(static_cast<WindowID>(window->windowNumber())))
         return Failure{"our own windows are in no picture", nameOf(source)};
+    const auto mark = static_cast<WindowID>(m_program.overlay().windowNumber());
+    if (source.isDisplay() && frame->picture.shows(mark))
+        return Failure{"the frame around the source is in no picture", nameOf(source)};
     return {};
 }
 
 std::optional<Failure> Checkers::checkPictureIsOfNow() const {
-    if (m_program.controller.sessionState().get().kind() != Kind::running)
+    if (m_program.controller().sessionState().get().kind() != Kind::running)
         return {};
     const auto frame = m_program.seen();
     if (!frame)
         return Failure{"a running session shows its source",
-                       nameOf(m_program.controller.activeSource().get())};
+                       nameOf(m_program.controller().activeSource().get())};
     const auto now = takePicture(m_desktop, frame->filter, CursorShown::yes);
     if (!now || *now != frame->picture)
         return Failure{"never a stale frame", nameOf(sourceOf(frame->filter))};

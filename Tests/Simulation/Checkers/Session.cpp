@@ -43,14 +43,15 @@ bool isAllowed(CaptureSessionState from, CaptureSessionState to) {
 } // namespace
 
 void Checkers::stateChanges(CaptureSessionState to) {
-    const auto from = m_program.controller.sessionState().get();
+    const auto from = m_program.controller().sessionState().get();
+    m_mayHaveCaptured |= mayCapture(to);
     if (!isAllowed(from, to))
         noteMeanwhile("only transitions of the table",
                       fmt::format("{} to {}", nameOf(from), nameOf(to)));
 }
 
 std::optional<Failure> Checkers::checkTexts() const {
-    const auto& controller = m_program.controller;
+    const auto& controller = m_program.controller();
     const auto state = controller.sessionState().get();
     if (!contains(statusTexts, state.statusMessage()))
         return Failure{"the status is one of the texts", std::string(state.statusMessage())};
@@ -64,8 +65,8 @@ std::optional<Failure> Checkers::checkTexts() const {
 }
 
 std::optional<Failure> Checkers::checkSchedule() const {
-    const auto state = m_program.controller.sessionState().get();
-    const bool isScheduled = m_program.scheduler.isScheduled;
+    const auto state = m_program.controller().sessionState().get();
+    const bool isScheduled = m_program.isRefreshScheduled();
     const bool mustBe = state.isActive();
     const bool mustNotBe =
         state.kind() == Kind::stopped ||

@@ -13,9 +13,9 @@ void Checkers::followInterruption(CaptureSessionState to) {
         CaptureSessionState::recoveryRequired(CaptureRecoveryReason::streamStopped);
     if (to != interrupted)
         m_interrupted.reset();
-    else if (m_program.controller.sessionState().get() != interrupted)
+    else if (m_program.controller().sessionState().get() != interrupted)
         m_interrupted = m_lastActive;
-    const auto& picked = m_program.settings.manualSources.get();
+    const auto& picked = m_program.settings().manualSources.get();
     if (m_interrupted && !contains(picked, *m_interrupted))
         m_interrupted.reset();
 }
@@ -30,13 +30,28 @@ std::optional<Failure> Checkers::checkInterruptionIsOver() const {
     return {};
 }
 
+/// The picker lists what was there when it was opened, and comes to an end with it.
+std::optional<Failure> Checkers::checkPicker() const {
+    const auto& picker = m_program.picker();
+    if (!picker)
+        return {};
+    if (picker->isLoading().get())
+        return Failure{"the picker comes to an end with loading", ""};
+    for (const auto& preview : picker->windows().get()) {
+        const auto* const window = m_desktop.findWindow(preview.id.identifier());
+        if (window && window->processID == m_desktop.ownProcess())
+            return Failure{"our own windows are not in the picker", nameOf(preview.id)};
+    }
+    return {};
+}
+
 /// After the refreshes of a running session: what is offered is what is there, and what was picked
 /// and is away for a while.
 std::optional<Failure> Checkers::checkLists() const {
-    if (m_program.controller.sessionState().get().kind() != Kind::running)
+    if (m_program.controller().sessionState().get().kind() != Kind::running)
         return {};
-    const auto& lists = m_program.controller.availableSources().get();
-    const auto& picked = m_program.settings.manualSources.get();
+    const auto& lists = m_program.controller().availableSources().get();
+    const auto& picked = m_program.settings().manualSources.get();
     std::vector<CaptureSource> offered;
     for (const auto& info : lists.displays) {
         offered.push_back(info.source);
@@ -67,7 +82,7 @@ std::optional<Failure> Checkers::checkLists() const {
         if (source.isWindow() && !m_desktop.findWindow(source.identifier()))
             return Failure{"a pick that has ended is given up", nameOf(source)};
     }
-    for (const auto& source : m_program.controller.unavailableManualSources().get()) {
+    for (const auto& source : m_program.controller().unavailableManualSources().get()) {
         if (!contains(picked, source))
             return Failure{"only picks are said to be unavailable", nameOf(source)};
     }
@@ -75,8 +90,8 @@ std::optional<Failure> Checkers::checkLists() const {
 }
 
 std::optional<Failure> Checkers::checkFollowed() const {
-    const auto& settings = m_program.settings;
-    const auto active = m_program.controller.activeSource().get();
+    const auto& settings = m_program.settings();
+    const auto active = m_program.controller().activeSource().get();
     std::optional<CaptureSource> wanted;
     if (settings.followMode.get() == FollowMode::mouse) {
         for (const auto& display : m_desktop.displays())

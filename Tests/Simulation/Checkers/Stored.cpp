@@ -9,7 +9,7 @@ namespace kestrove::simulation {
 std::optional<Failure> Checkers::checkStored() const {
     SimulatedUserDefaults defaults(m_desktop);
     const AppSettings stored(defaults);
-    const auto& live = m_program.settings;
+    const auto& live = m_program.settings();
     const bool same = stored.followMode.get() == live.followMode.get() &&
                       stored.targetFPS.get() == live.targetFPS.get() &&
                       stored.alwaysOnTop.get() == live.alwaysOnTop.get() &&
@@ -25,21 +25,21 @@ std::optional<Failure> Checkers::checkStored() const {
 /// What was wrong with an edit stays told until the user edits again.
 void Checkers::shortcutFailuresChange(const ShortcutFailures& failures) {
     const auto edits = m_program.shortcutEditCount();
-    if (failures.empty() && !m_program.globalShortcuts.operationFailures().get().empty() &&
+    if (failures.empty() && !m_program.globalShortcuts().operationFailures().get().empty() &&
         edits == m_editsAtFailure)
         noteMeanwhile("a failure of a shortcut is not forgotten", "");
     m_editsAtFailure = edits;
 }
 
 std::optional<Failure> Checkers::checkHotKeys() const {
-    auto& shortcuts = m_program.globalShortcuts;
+    auto& shortcuts = m_program.globalShortcuts();
     const auto registered = m_desktop.keyboard().registered();
     const auto& actions = shortcuts.registeredActions().get();
     const auto& failures = shortcuts.operationFailures().get();
     if (registered.size() != actions.size())
         return Failure{"registered hot keys are what the registry says",
                        fmt::format("{} of {}", registered.size(), actions.size())};
-    const auto& bindings = m_program.settings.shortcutBindings.get();
+    const auto& bindings = m_program.settings().shortcutBindings.get();
     for (const auto& [action, binding] : bindings) {
         const SimulatedKeyCombination wanted{binding.keyCode, binding.modifiers};
         const bool isRegistered = contains(registered, wanted);
@@ -56,7 +56,7 @@ std::optional<Failure> Checkers::checkHotKeys() const {
 
 /// When nothing is in the way and the user has just recorded them.
 std::optional<Failure> Checkers::checkHotKeysWork() const {
-    const auto& shortcuts = m_program.globalShortcuts;
+    const auto& shortcuts = m_program.globalShortcuts();
     if (!shortcuts.operationFailures().get().empty() ||
         !shortcuts.duplicateActions().get().empty() ||
         shortcuts.registeredActions().get().size() != allShortcutActions.size())
