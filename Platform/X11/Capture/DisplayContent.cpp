@@ -1,5 +1,7 @@
 #include "Platform/X11/Capture/DisplayContent.h"
 
+#include "Platform/X11/Capture/FrameSurface.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -153,48 +155,58 @@ Region DisplayContent::takeDamage() {
     return std::exchange(m_damage, {}).translated(-m_area.x, -m_area.y);
 }
 
-void DisplayContent::paint(const FrameSurface& surface, const Region& region) {
+void DisplayContent::paint(const PaintTarget& target, const Region& region) {
+    const int dx = target.x - m_area.x;
+    const int dy = target.y - m_area.y;
     const auto root = region.translated(m_area.x, m_area.y);
     const auto direct = root & m_composition.direct;
     if (!direct.isEmpty()) {
-        const auto clip = direct.translated(-m_area.x, -m_area.y);
+        const auto clip = direct.translated(dx, dy);
         const auto box = clip.extents();
-        surface.setClip(m_connection, clip);
+        setClip(m_connection, target.picture, clip);
         xcb_render_composite(m_connection.get(), XCB_RENDER_PICT_OP_SRC, m_root.get(), XCB_NONE,
-                             surface.picture(), static_cast<std::int16_t>(box.x + m_area.x),
-                             static_cast<std::int16_t>(box.y + m_area.y), 0, 0, box.x, box.y,
-                             box.width, box.height);
+                             target.picture, static_cast<std::int16_t>(box.x - dx),
+                             static_cast<std::int16_t>(box.y - dy), 0, 0, box.x, box.y, box.width,
+                             box.height);
     }
     const auto covered = root & m_composition.covered;
     if (covered.isEmpty())
         return;
-    paintBackground(surface, covered);
+    paintBackground(target, covered);
     for (const auto& window : m_composition.windows)
-        paintWindow(surface, window, covered);
+        paintWindow(target, window, covered);
 }
 
-void DisplayContent::paintBackground(const FrameSurface& surface, const Region& root) {
+Region DisplayContent::paintedAtOnce(const Region& region) const {
+    return region & m_composition.direct.translated(-m_area.x, -m_area.y);
+}
+
+void DisplayContent::paintBackground(const PaintTarget& target, const Region& root) {
+    const int dx = target.x - m_area.x;
+    const int dy = target.y - m_area.y;
     const auto part = root & m_composition.background;
     if (part.isEmpty() || !m_background)
         return;
-    const auto clip = part.translated(-m_area.x, -m_area.y);
+    const auto clip = part.translated(dx, dy);
     const auto box = clip.extents();
-    surface.setClip(m_connection, clip);
+    setClip(m_connection, target.picture, clip);
     xcb_render_composite(m_connection.get(), XCB_RENDER_PICT_OP_SRC, m_background->picture(),
-                         XCB_NONE, surface.picture(),
-                         static_cast<std::int16_t>(box.x + m_area.x - m_background->originX()),
-                         static_cast<std::int16_t>(box.y + m_area.y - m_background->originY()), 0,
-                         0, box.x, box.y, box.width, box.height);
+                         XCB_NONE, target.picture,
+                         static_cast<std::int16_t>(box.x - dx - m_background->originX()),
+                         static_cast<std::int16_t>(box.y - dy - m_background->originY()), 0, 0,
+                         box.x, box.y, box.width, box.height);
 }
 
-void DisplayContent::paintWindow(const FrameSurface& surface, const ComposedWindow& composed,
+void DisplayContent::paintWindow(const PaintTarget& target, const ComposedWindow& composed,
                                  const Region& root) {
+    const int dx = target.x - m_area.x;
+    const int dy = target.y - m_area.y;
     const auto part = root & composed.visible;
     const auto beneath = m_beneath.find(composed.window.window);
     if (part.isEmpty() || beneath == m_beneath.end())
         return;
     auto* const xcb = m_connection.get();
-    const auto clip = part.translated(-m_area.x, -m_area.y);
+    const auto clip = part.translated(dx, dy);
     const auto box = clip.extents();
     Picture opacity;
     if (composed.isBlended && composed.window.opacity < 1) {
@@ -202,12 +214,12 @@ void DisplayContent::paintWindow(const FrameSurface& surface, const ComposedWind
         const auto alpha = static_cast<std::uint16_t>(composed.window.opacity * 0xFFFF);
         xcb_render_create_solid_fill(xcb, opacity.get(), {0, 0, 0, alpha});
     }
-    surface.setClip(m_connection, clip);
+    setClip(m_connection, target.picture, clip);
     xcb_render_composite(xcb, composed.isBlended ? XCB_RENDER_PICT_OP_OVER : XCB_RENDER_PICT_OP_SRC,
-                         beneath->second.redirected->picture(), opacity.get(), surface.picture(),
-                         static_cast<std::int16_t>(box.x + m_area.x - composed.window.x),
-                         static_cast<std::int16_t>(box.y + m_area.y - composed.window.y), 0, 0,
-                         box.x, box.y, box.width, box.height);
+                         beneath->second.redirected->picture(), opacity.get(), target.picture,
+                         static_cast<std::int16_t>(box.x - dx - composed.window.x),
+                         static_cast<std::int16_t>(box.y - dy - composed.window.y), 0, 0, box.x,
+                         box.y, box.width, box.height);
 }
 
 } // namespace kestrove::x11

@@ -30,7 +30,8 @@ public:
     std::optional<Place> placeUnderPointer(xcb_window_t topLevelUnderPointer) override;
     Region takeDamage() override;
     bool hasDamage() const override { return !m_damage.isEmpty(); }
-    void paint(const FrameSurface& surface, const Region& region) override;
+    void paint(const PaintTarget& target, const Region& region) override;
+    Region paintedAtOnce(const Region& region) const override;
 
 private:
     struct Beneath {
@@ -45,8 +46,8 @@ private:
     void onEvent(const xcb_generic_event_t& event);
     void onDrained();
     [[nodiscard]] Region displayRegion() const { return Region(m_area); }
-    void paintBackground(const FrameSurface& surface, const Region& root);
-    void paintWindow(const FrameSurface& surface, const ComposedWindow& window, const Region& root);
+    void paintBackground(const PaintTarget& target, const Region& root);
+    void paintWindow(const PaintTarget& target, const ComposedWindow& window, const Region& root);
 
     Connection& m_connection;
     std::weak_ptr<const void> m_lifetime;

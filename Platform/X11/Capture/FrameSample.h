@@ -18,7 +18,7 @@ namespace kestrove::x11 {
 class FrameSample final : public SampleBuffer {
 public:
     struct Content {
-        std::shared_ptr<const FrameSurface> surface;
+        std::shared_ptr<FrameSurface> surface;
         /// Pixels of the surface.
         Region damage;
         /// Of the stream's samples, counted from 1: a gap means that a sample between was not

@@ -12,12 +12,6 @@ xcb_render_fixed_t fixedPoint(double value) {
     return static_cast<xcb_render_fixed_t>(std::lround(value * 65536));
 }
 
-void setClip(xcb_connection_t* xcb, xcb_render_picture_t picture, const Region& clip) {
-    const auto rectangles = clip.rectangles();
-    xcb_render_set_picture_clip_rectangles(
-        xcb, picture, 0, 0, static_cast<std::uint32_t>(rectangles.size()), rectangles.data());
-}
-
 /// The smallest region that holds `region` when both axes are halved.
 Region halved(const Region& region) {
     Region result;
@@ -32,7 +26,7 @@ Region halved(const Region& region) {
 } // namespace
 
 FrameScaler::FrameScaler(Connection& connection, const PictureFormats& formats,
-                         std::shared_ptr<const FrameSurface> surface, int width, int height)
+                         std::shared_ptr<FrameSurface> surface, int width, int height)
     : m_connection(connection)
     , m_surface(std::move(surface))
     , m_picture(connection, connection.generateIdentifier()) {
@@ -46,7 +40,7 @@ FrameScaler::FrameScaler(Connection& connection, const PictureFormats& formats,
     m_x = (width - m_width) / 2;
     m_y = (height - m_height) / 2;
     m_destination = Region(m_x, m_y, m_width, m_height);
-    if (m_width == m_surface->width() && m_height == m_surface->height())
+    if (isOneToOne())
         return;
 
     addHalvedLevels(formats, std::min(static_cast<double>(m_surface->width()) / m_width,
@@ -84,6 +78,10 @@ void FrameScaler::setScale(xcb_render_picture_t picture, double x, double y) con
     xcb_render_set_picture_filter(xcb, picture, filter.size(), filter.data(), 0, nullptr);
 }
 
+bool FrameScaler::isOneToOne() const {
+    return m_width == m_surface->width() && m_height == m_surface->height();
+}
+
 xcb_render_picture_t FrameScaler::source() const {
     return m_halved.empty() ? m_picture.get() : m_halved.back().picture.get();
 }
@@ -91,8 +89,6 @@ xcb_render_picture_t FrameScaler::source() const {
 Region FrameScaler::toTarget(const Region& changed) const {
     const double scaleX = static_cast<double>(m_width) / m_surface->width();
     const double scaleY = static_cast<double>(m_height) / m_surface->height();
-    if (scaleX == 1 && scaleY == 1)
-        return changed.translated(m_x, m_y) & m_destination;
     // A pixel reaches into the neighbours that the filter mixes it with: one of the coarsest level.
     const double reach = std::exp2(static_cast<double>(m_halved.size()));
     Region result;
@@ -107,13 +103,18 @@ Region FrameScaler::toTarget(const Region& changed) const {
 }
 
 void FrameScaler::draw(xcb_render_picture_t target, const Region& changed) {
+    if (isOneToOne()) {
+        m_surface->draw({target, m_x, m_y}, changed & m_surface->bounds());
+        return;
+    }
+    m_surface->bringUpToDate();
     auto* const xcb = m_connection.get();
     auto from = m_picture.get();
     Region part = changed;
     for (const auto& level : m_halved) {
         part = halved(part);
         const auto box = part.extents();
-        setClip(xcb, level.picture.get(), part);
+        setClip(m_connection, level.picture.get(), part);
         xcb_render_composite(xcb, XCB_RENDER_PICT_OP_SRC, from, XCB_NONE, level.picture.get(),
                              box.x, box.y, 0, 0, box.x, box.y, box.width, box.height);
         from = level.picture.get();
@@ -121,12 +122,20 @@ void FrameScaler::draw(xcb_render_picture_t target, const Region& changed) {
     redraw(target, toTarget(changed));
 }
 
+void FrameScaler::drawAll(xcb_render_picture_t target) {
+    if (isOneToOne())
+        redraw(target, m_destination);
+    else
+        draw(target, m_surface->bounds());
+}
+
 void FrameScaler::redraw(xcb_render_picture_t target, const Region& part) {
     const auto visible = part & m_destination;
     if (visible.isEmpty())
         return;
+    m_surface->bringUpToDate();
     const auto box = visible.extents();
-    setClip(m_connection.get(), target, visible);
+    setClip(m_connection, target, visible);
     xcb_render_composite(m_connection.get(), XCB_RENDER_PICT_OP_SRC, source(), XCB_NONE, target,
                          static_cast<std::int16_t>(box.x - m_x),
                          static_cast<std::int16_t>(box.y - m_y), 0, 0, box.x, box.y, box.width,

@@ -10,7 +10,8 @@
 
 namespace kestrove::x11 {
 
-/// Draws a frame surface, fitted and centred, into a picture of some size, part by part.
+/// Draws a frame surface, fitted and centred, into a picture of some size, part by part. Where the
+/// sizes are the same, changes may come straight from the source.
 ///
 /// RENDER's filters look at four pixels at most: beyond a reduction to a half, text would lose
 /// lines. The frame is therefore halved in passes first, each pixel the mean of four, until what is
@@ -21,7 +22,7 @@ class FrameScaler {
 public:
     /// `width` and `height`: of the target, in pixels.
     FrameScaler(Connection& connection, const PictureFormats& formats,
-                std::shared_ptr<const FrameSurface> surface, int width, int height);
+                std::shared_ptr<FrameSurface> surface, int width, int height);
 
     [[nodiscard]] const FrameSurface& surface() const { return *m_surface; }
 
@@ -30,6 +31,9 @@ public:
 
     /// Brings `changed` (pixels of the surface) up to date in `target`, whose clip it sets.
     void draw(xcb_render_picture_t target, const Region& changed);
+
+    /// Draws all of it: the first frame, which may be black where its source shows nothing.
+    void drawAll(xcb_render_picture_t target);
 
     /// Draws `part` (pixels of the target) from what was brought up to date before.
     void redraw(xcb_render_picture_t target, const Region& part);
@@ -44,11 +48,12 @@ private:
 
     void addHalvedLevels(const PictureFormats& formats, double reduction);
     void setScale(xcb_render_picture_t picture, double x, double y) const;
+    [[nodiscard]] bool isOneToOne() const;
     [[nodiscard]] xcb_render_picture_t source() const;
     [[nodiscard]] Region toTarget(const Region& changed) const;
 
     Connection& m_connection;
-    std::shared_ptr<const FrameSurface> m_surface;
+    std::shared_ptr<FrameSurface> m_surface;
     /// A picture of the surface of our own, since scale and filter belong to a picture.
     Picture m_picture;
     std::vector<Level> m_halved;

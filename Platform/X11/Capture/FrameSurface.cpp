@@ -1,10 +1,13 @@
 #include "Platform/X11/Capture/FrameSurface.h"
 
+#include <utility>
+
 namespace kestrove::x11 {
 
 FrameSurface::FrameSurface(Connection& connection, const PictureFormats& formats, int width,
                            int height)
-    : m_width(width)
+    : m_connection(connection)
+    , m_width(width)
     , m_height(height)
     , m_pixmap(connection, connection.generateIdentifier())
     , m_picture(connection, connection.generateIdentifier()) {
@@ -21,9 +24,49 @@ FrameSurface::FrameSurface(Connection& connection, const PictureFormats& formats
                                &all);
 }
 
-void FrameSurface::setClip(Connection& connection, const Region& clip) const {
+void FrameSurface::invalidate(FramePainter& painter, const Region& region) {
+    m_painter = &painter;
+    m_newer += region;
+}
+
+void FrameSurface::bringUpToDate(const Region& region) {
+    const auto part = m_newer & region;
+    if (part.isEmpty() || !m_painter || !isValid())
+        return;
+    m_newer -= part;
+    m_painter->paint({m_picture.get()}, part);
+}
+
+void FrameSurface::draw(const PaintTarget& target, const Region& region) {
+    const auto direct = m_painter ? m_painter->paintedAtOnce(region) : Region();
+    if (!direct.isEmpty())
+        m_painter->paint(target, direct);
+    const auto rest = region - direct;
+    if (rest.isEmpty())
+        return;
+    bringUpToDate(rest);
+    const auto clip = rest.translated(target.x, target.y);
+    const auto box = rest.extents();
+    setClip(m_connection, target.picture, clip);
+    xcb_render_composite(m_connection.get(), XCB_RENDER_PICT_OP_SRC, m_picture.get(), XCB_NONE,
+                         target.picture, box.x, box.y, 0, 0,
+                         static_cast<std::int16_t>(box.x + target.x),
+                         static_cast<std::int16_t>(box.y + target.y), box.width, box.height);
+}
+
+void FrameSurface::detach() {
+    bringUpToDate();
+    forget();
+}
+
+void FrameSurface::forget() {
+    m_painter = nullptr;
+    m_newer.clear();
+}
+
+void setClip(Connection& connection, xcb_render_picture_t picture, const Region& clip) {
     const auto rectangles = clip.rectangles();
-    xcb_render_set_picture_clip_rectangles(connection.get(), m_picture.get(), 0, 0,
+    xcb_render_set_picture_clip_rectangles(connection.get(), picture, 0, 0,
                                            static_cast<std::uint32_t>(rectangles.size()),
                                            rectangles.data());
 }

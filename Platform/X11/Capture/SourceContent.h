@@ -2,7 +2,7 @@
 
 #include "Async/Signal.h"
 #include "Desktop/PlatformError.h"
-#include "Platform/X11/Capture/FrameSurface.h"
+#include "Platform/X11/Capture/FramePainter.h"
 #include "Platform/X11/Capture/Region.h"
 
 #include <optional>
@@ -44,9 +44,14 @@ public:
     [[nodiscard]] virtual Region takeDamage() = 0;
     [[nodiscard]] virtual bool hasDamage() const = 0;
 
-    /// Paints `region` of the source into `surface`, which has the source's extent.
-    virtual void paint(const FrameSurface& surface, const Region& region) = 0;
+    /// Sets the picture's clip. Regions are within the extent.
+    virtual void paint(const PaintTarget& target, const Region& region) = 0;
+    /// The part of `region` that one opaque draw paints.
+    [[nodiscard]] virtual Region paintedAtOnce(const Region& region) const = 0;
 
+    /// What is painted up to now is about to be something else, of another size perhaps: the last
+    /// moment to paint it.
+    Signal<> aboutToChange;
     /// There is damage, or the extent is another. Told once for all that had arrived.
     Signal<> changed;
     /// The source has gone for good.

@@ -1,5 +1,7 @@
 #include "Platform/X11/Capture/WindowContent.h"
 
+#include "Platform/X11/Capture/FrameSurface.h"
+
 #include <algorithm>
 #include <utility>
 #include <xcb/shape.h>
@@ -146,15 +148,20 @@ Region WindowContent::takeDamage() {
     return std::exchange(m_damage, {}) & Region(0, 0, extent().width, extent().height);
 }
 
-void WindowContent::paint(const FrameSurface& surface, const Region& region) {
+Region WindowContent::paintedAtOnce(const Region& region) const {
+    return m_redirected.format().hasAlpha || m_shape ? Region() : region;
+}
+
+void WindowContent::paint(const PaintTarget& target, const Region& region) {
     auto* const xcb = m_connection.get();
     auto part = region;
     if (m_redirected.format().hasAlpha || m_shape) {
         // What the window does not cover, or lets through, is black.
-        const auto rectangles = region.rectangles();
-        surface.setClip(m_connection, region);
-        xcb_render_fill_rectangles(xcb, XCB_RENDER_PICT_OP_SRC, surface.picture(),
-                                   {0, 0, 0, 0xFFFF}, static_cast<std::uint32_t>(rectangles.size()),
+        const auto black = region.translated(target.x, target.y);
+        const auto rectangles = black.rectangles();
+        setClip(m_connection, target.picture, black);
+        xcb_render_fill_rectangles(xcb, XCB_RENDER_PICT_OP_SRC, target.picture, {0, 0, 0, 0xFFFF},
+                                   static_cast<std::uint32_t>(rectangles.size()),
                                    rectangles.data());
     }
     if (m_shape)
@@ -162,12 +169,13 @@ void WindowContent::paint(const FrameSurface& surface, const Region& region) {
     if (part.isEmpty())
         return;
     const auto box = part.extents();
-    surface.setClip(m_connection, part);
+    setClip(m_connection, target.picture, part.translated(target.x, target.y));
     xcb_render_composite(
         xcb, m_redirected.format().hasAlpha ? XCB_RENDER_PICT_OP_OVER : XCB_RENDER_PICT_OP_SRC,
-        m_redirected.picture(), XCB_NONE, surface.picture(),
+        m_redirected.picture(), XCB_NONE, target.picture,
         static_cast<std::int16_t>(box.x + offsetX()), static_cast<std::int16_t>(box.y + offsetY()),
-        0, 0, box.x, box.y, box.width, box.height);
+        0, 0, static_cast<std::int16_t>(box.x + target.x),
+        static_cast<std::int16_t>(box.y + target.y), box.width, box.height);
 }
 
 void WindowContent::renewAll() {
@@ -190,8 +198,10 @@ void WindowContent::onEvent(const xcb_generic_event_t& event) {
     case XCB_MAP_NOTIFY: {
         const auto& map = reinterpret_cast<const xcb_map_notify_event_t&>(event);
         // The window, or one around it, is viewable anew: the server has made a new pixmap.
-        if (map.event == map.window && isFollowed(map.window))
+        if (map.event == map.window && isFollowed(map.window)) {
+            aboutToChange.emit();
             renewAll();
+        }
         return;
     }
     case XCB_DESTROY_NOTIFY: {
@@ -203,6 +213,7 @@ void WindowContent::onEvent(const xcb_generic_event_t& event) {
         const auto& reparent = reinterpret_cast<const xcb_reparent_notify_event_t&>(event);
         if (reparent.event != reparent.window || !isFollowed(reparent.window))
             return;
+        aboutToChange.emit();
         leaveAncestors();
         followAncestors();
         renewAll();
@@ -212,6 +223,7 @@ void WindowContent::onEvent(const xcb_generic_event_t& event) {
         const auto& property = reinterpret_cast<const xcb_property_notify_event_t&>(event);
         if (property.window != m_window || property.atom != m_connection.atom("_GTK_FRAME_EXTENTS"))
             return;
+        aboutToChange.emit();
         readShadow();
         renewAll();
         return;
@@ -223,6 +235,7 @@ void WindowContent::onEvent(const xcb_generic_event_t& event) {
         const auto& shape = reinterpret_cast<const xcb_shape_notify_event_t&>(event);
         if (shape.affected_window != m_window || shape.shape_kind != XCB_SHAPE_SK_BOUNDING)
             return;
+        aboutToChange.emit();
         readShape();
         renewAll();
     }
@@ -237,6 +250,7 @@ void WindowContent::onConfigure(const xcb_configure_notify_event_t& event) {
         return;
     if (event.width == m_width && event.height == m_height && event.border_width == m_border)
         return;
+    aboutToChange.emit();
     m_width = event.width;
     m_height = event.height;
     m_border = event.border_width;

@@ -26,7 +26,8 @@ public:
     std::optional<Place> placeUnderPointer(xcb_window_t topLevelUnderPointer) override;
     Region takeDamage() override;
     bool hasDamage() const override { return !m_damage.isEmpty(); }
-    void paint(const FrameSurface& surface, const Region& region) override;
+    void paint(const PaintTarget& target, const Region& region) override;
+    Region paintedAtOnce(const Region& region) const override;
 
 private:
     /// Pixels around the window proper that are the program's own shadow.

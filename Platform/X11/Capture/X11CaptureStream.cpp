@@ -87,14 +87,25 @@ X11CaptureStream::Outcome X11CaptureStream::openContent(ContentFilter filter) {
     auto opened = openSourceContent(m_connection, m_monitors, *m_services, filter);
     if (!opened)
         return std::unexpected(std::move(opened.error()));
+    letGoOfSurface();
     m_content = std::move(*opened);
     m_filter = std::move(filter);
-    m_cursor.reset();
     followContent();
     return {};
 }
 
+void X11CaptureStream::letGoOfSurface() {
+    // The layer may still show it, and draw it again.
+    if (const auto surface = std::exchange(m_surface, nullptr); surface && surface.use_count() > 1)
+        surface->detach();
+    m_cursor.reset();
+}
+
 void X11CaptureStream::followContent() {
+    m_aboutToChange = m_content->aboutToChange.subscribe([this] {
+        if (m_surface)
+            m_surface->bringUpToDate();
+    });
     m_changed = m_content->changed.subscribe([this] { requestFrame(); });
     m_gone = m_content->gone.subscribe([this](const PlatformError& error) { fail(error); });
     m_monitorsChanged = m_monitors.changed.subscribe([this] { followDisplay(); });
@@ -112,8 +123,12 @@ void X11CaptureStream::followDisplay() {
         return;
     if (const auto* const monitor = m_monitors.find(display->displayID))
         m_content->setArea(monitor->rectangle);
-    else
+    else {
+        // Whatever is on the screen there now, it is not the display.
+        if (m_surface)
+            m_surface->forget();
         fail(displayGone());
+    }
 }
 
 void X11CaptureStream::requestWholeFrame() {
@@ -145,6 +160,9 @@ void X11CaptureStream::makeFrame() {
     }
     const auto extent = m_content->extent();
     if (!m_surface || m_surface->width() != extent.width || m_surface->height() != extent.height) {
+        // Brought up to date before the content became another.
+        if (m_surface)
+            m_surface->forget();
         m_surface = std::make_shared<FrameSurface>(m_connection, m_services->formats, extent.width,
                                                    extent.height);
         m_isWholeFrameDue = true;
@@ -160,17 +178,11 @@ void X11CaptureStream::makeFrame() {
                 damage += each->region();
         }
     }
-    // Painted over what it is blended with, the cursor must not be blended twice: all of it is
-    // painted anew, or nothing.
-    if (cursor && !(damage & cursor->region()).isEmpty())
-        damage += cursor->region();
     damage &= m_surface->bounds();
     m_cursor = cursor;
     if (damage.isEmpty())
         return;
-    m_content->paint(*m_surface, damage);
-    if (cursor && !(damage & cursor->region()).isEmpty())
-        paintCursor(*cursor);
+    m_surface->invalidate(*this, damage);
     handOn(std::move(damage));
 }
 
@@ -191,13 +203,28 @@ std::optional<X11CaptureStream::PaintedCursor> X11CaptureStream::currentCursor()
     return PaintedCursor{image, x - image->hotX, y - image->hotY};
 }
 
-void X11CaptureStream::paintCursor(const PaintedCursor& cursor) {
-    m_surface->setClip(m_connection, m_surface->bounds());
-    xcb_render_composite(m_connection.get(), XCB_RENDER_PICT_OP_OVER, cursor.image->picture.get(),
-                         XCB_NONE, m_surface->picture(), 0, 0, 0, 0,
-                         static_cast<std::int16_t>(cursor.x), static_cast<std::int16_t>(cursor.y),
-                         static_cast<std::uint16_t>(cursor.image->width),
-                         static_cast<std::uint16_t>(cursor.image->height));
+Region X11CaptureStream::paintedAtOnce(const Region& region) const {
+    auto part = m_content->paintedAtOnce(region);
+    if (m_cursor)
+        part -= m_cursor->region();
+    return part;
+}
+
+void X11CaptureStream::paint(const PaintTarget& target, const Region& region) {
+    m_content->paint(target, region);
+    if (!m_cursor)
+        return;
+    // Only on what was just painted: elsewhere it would be blended twice.
+    const auto under = region & m_cursor->region();
+    if (under.isEmpty())
+        return;
+    const auto& image = *m_cursor->image;
+    setClip(m_connection, target.picture, under.translated(target.x, target.y));
+    xcb_render_composite(
+        m_connection.get(), XCB_RENDER_PICT_OP_OVER, image.picture.get(), XCB_NONE, target.picture,
+        0, 0, 0, 0, static_cast<std::int16_t>(m_cursor->x + target.x),
+        static_cast<std::int16_t>(m_cursor->y + target.y), static_cast<std::uint16_t>(image.width),
+        static_cast<std::uint16_t>(image.height));
 }
 
 void X11CaptureStream::handOn(Region damage) {
@@ -227,13 +254,13 @@ void X11CaptureStream::end() {
     m_isRunning = false;
     m_room->onReleased = nullptr;
     m_nextFrame.cancel();
+    m_aboutToChange.cancel();
     m_changed.cancel();
     m_gone.cancel();
     m_cursorChanged.cancel();
     m_monitorsChanged.cancel();
     m_lost.cancel();
-    m_surface.reset();
-    m_cursor.reset();
+    letGoOfSurface();
     // Windows that were redirected for this stream are let go of now, not with the next request.
     if (std::exchange(m_content, nullptr))
         m_connection.flush();

@@ -12,9 +12,10 @@
 
 namespace kestrove::x11 {
 
-/// A capture stream: gathers what has changed, paints it with the cursor into its frame surface and
-/// hands the frame on, never more often than the configuration allows and never without a change.
-class X11CaptureStream final : public CaptureStream {
+/// A capture stream: gathers what has changed and hands it on as a frame, never more often than the
+/// configuration allows and never without a change. The frame is painted, with the cursor, when it
+/// is shown: into the stream's surface, or straight to where it is shown.
+class X11CaptureStream final : public CaptureStream, private FramePainter {
 public:
     X11CaptureStream(Connection& connection, MonitorLayout& monitors,
                      std::shared_ptr<CaptureServices> services, ContentFilter filter,
@@ -36,7 +37,7 @@ private:
         int samplesOnTheirWay = 0;
         std::function<void()> onReleased;
     };
-    /// What of the cursor was painted into the surface, and where.
+    /// What of the cursor is on the frame, and where.
     struct PaintedCursor {
         std::shared_ptr<const CursorImage> image;
         int x = 0;
@@ -53,7 +54,9 @@ private:
     void requestWholeFrame();
     void makeFrame();
     [[nodiscard]] std::optional<PaintedCursor> currentCursor();
-    void paintCursor(const PaintedCursor& cursor);
+    Region paintedAtOnce(const Region& region) const override;
+    void paint(const PaintTarget& target, const Region& region) override;
+    void letGoOfSurface();
     void handOn(Region damage);
     void end();
     void fail(PlatformError error);
@@ -69,7 +72,7 @@ private:
     bool m_isRunning = false;
 
     std::unique_ptr<SourceContent> m_content;
-    std::shared_ptr<const FrameSurface> m_surface;
+    std::shared_ptr<FrameSurface> m_surface;
     std::optional<PaintedCursor> m_cursor;
     bool m_isWholeFrameDue = true;
     std::uint64_t m_number = 0;
@@ -78,6 +81,7 @@ private:
     std::optional<Seconds> m_lastFrame;
     Timer m_nextFrame;
 
+    Subscription m_aboutToChange;
     Subscription m_changed;
     Subscription m_gone;
     Subscription m_cursorChanged;

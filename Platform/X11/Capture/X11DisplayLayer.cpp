@@ -126,7 +126,7 @@ void X11DisplayLayer::prepareScaler() {
 void X11DisplayLayer::drawAll() {
     prepareScaler();
     if (m_scaler)
-        m_scaler->draw(m_target.get(), m_surface->bounds());
+        m_scaler->drawAll(m_target.get());
 }
 
 void X11DisplayLayer::resize(int width, int height) {

@@ -39,7 +39,7 @@ private:
     Picture m_target;
     int m_width = 0;
     int m_height = 0;
-    std::shared_ptr<const FrameSurface> m_surface;
+    std::shared_ptr<FrameSurface> m_surface;
     std::unique_ptr<FrameScaler> m_scaler;
     std::uint64_t m_lastNumber = 0;
     DisplayLayerStatus m_status = DisplayLayerStatus::unknown;

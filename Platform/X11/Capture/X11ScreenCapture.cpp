@@ -38,7 +38,7 @@ xcb_get_image_cookie_t requestImage(Connection& connection, SourceContent& conte
     const auto extent = content.extent();
     const auto surface =
         std::make_shared<FrameSurface>(connection, shared.formats, extent.width, extent.height);
-    content.paint(*surface, surface->bounds());
+    content.paint({surface->picture()}, surface->bounds());
     const auto width = static_cast<int>(configuration.width);
     const auto height = static_cast<int>(configuration.height);
     const FrameSurface scaled(connection, shared.formats, width, height);

@@ -55,6 +55,46 @@ TEST_P(WindowCapture, EqualsTheWindowAndStaysLiveWhileCovered) {
     EXPECT_TRUE(test.outputBecomes(expected, "covered"));
 }
 
+/// Covers the output and uncovers it again, so that it has to be drawn anew.
+void expose(CaptureDesktop& test, const xcb_rectangle_t& place) {
+    {
+        const TestWindow cover(test.desktop.displayName(),
+                               {.geometry = place, .color = 0xFFFF00FF, .overrideRedirect = true});
+    }
+    test.settle();
+}
+
+TEST_P(WindowCapture, IsDrawnAgainAsItWasLastOnceTheWindowHasGone) {
+    TestWindow window(displayName(), source());
+    test.openOutput({1400, 100, 400, 300});
+    test.start(WindowFilter(window.id()));
+    auto expected = pattern(400, 300);
+    ASSERT_TRUE(test.outputBecomes(expected, "first"));
+    window.fillRectangle({0, 20, 400, 10}, 0xFF123456);
+    std::fill_n(expected.pixels.begin() + 8000, 4000, 0xFF123456U);
+    ASSERT_TRUE(test.outputBecomes(expected, "changed"));
+    window.destroy();
+    ASSERT_TRUE(test.loop.spinUntil([&] { return !test.stops.empty(); }));
+    expose(test, {1400, 100, 400, 300});
+    EXPECT_TRUE(test.outputBecomes(expected, "drawn again"));
+}
+
+TEST_P(WindowCapture, IsDrawnAgainAsItWasLastOnceStopped) {
+    TestWindow window(displayName(), source());
+    test.openOutput({1400, 100, 400, 300});
+    test.start(WindowFilter(window.id()));
+    auto expected = pattern(400, 300);
+    ASSERT_TRUE(test.outputBecomes(expected, "first"));
+    window.fillRectangle({0, 20, 400, 10}, 0xFF123456);
+    std::fill_n(expected.pixels.begin() + 8000, 4000, 0xFF123456U);
+    ASSERT_TRUE(test.outputBecomes(expected, "changed"));
+    test.stop();
+    test.connection->synchronize();
+    window.fillRectangle({0, 20, 400, 10}, 0xFF00FF00);
+    expose(test, {1400, 100, 400, 300});
+    EXPECT_TRUE(test.outputBecomes(expected, "drawn again"));
+}
+
 TEST_P(WindowCapture, FollowsAResize) {
     TestWindow window(displayName(), source());
     test.openOutput({1400, 100, 400, 300});
