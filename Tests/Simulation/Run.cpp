@@ -1,5 +1,6 @@
 #include "Tests/Simulation/Run.h"
 
+#include "Tests/Simulation/Report.h"
 #include "Tests/Simulation/World.h"
 
 #include <algorithm>
@@ -51,9 +52,12 @@ private:
 RunResult run(const Steps& steps, const std::string& name) {
     const RunningSteps running(steps, name);
     RunResult result;
+    auto& report = Report::ofThisProcess();
+    report.count("runs");
     World world;
     for (const auto& step : steps) {
         runningCount = ++result.stepCount;
+        report.count("step: " + nameOf(step.kind));
         world.perform(step);
         if (world.failure())
             break;

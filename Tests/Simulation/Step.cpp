@@ -2,16 +2,19 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdio>
 #include <fmt/format.h>
+#include <istream>
 #include <numeric>
 #include <random>
+#include <string_view>
 
 namespace kestrove::simulation {
 
 namespace {
 
 struct Kind {
-    const char* name;
+    std::string_view name;
     /// How often it comes, relative to the others.
     unsigned weight;
 };
@@ -50,7 +53,7 @@ constexpr std::array<Kind, static_cast<std::size_t>(StepKind::count)> kinds{{
     {"fill the disk", 1},
     {"free the disk", 2},
     {"press start", 10},
-    {"press stop", 4},
+    {"press stop", 6},
     {"set the follow mode", 6},
     {"toggle a source", 9},
     {"set the manual sources", 3},
@@ -74,7 +77,7 @@ constexpr std::array<Kind, static_cast<std::size_t>(StepKind::count)> kinds{{
     {"corrupt the settings and restart", 1},
 }};
 
-constexpr std::array<const char*, static_cast<std::size_t>(Pause::count)> pauses{
+constexpr std::array<std::string_view, static_cast<std::size_t>(Pause::count)> pauses{
     "", "a few operations", "until idle", "milliseconds", "a moment", "seconds"};
 
 /// The standard's distributions differ between libraries; the engine does not.
@@ -128,10 +131,44 @@ Steps makeSteps(std::uint64_t seed) {
     return steps;
 }
 
+std::string nameOf(StepKind kind) {
+    return std::string(kinds.at(static_cast<std::size_t>(kind)).name);
+}
+
 std::string describe(const Step& step) {
-    const auto* const pause = pauses.at(static_cast<std::size_t>(step.pause));
+    const auto pause = pauses.at(static_cast<std::size_t>(step.pause));
     return fmt::format("{} ({}, {}){}{}", kinds.at(static_cast<std::size_t>(step.kind)).name,
-                       step.a, step.b, *pause ? ", then " : "", pause);
+                       step.a, step.b, pause.empty() ? "" : ", then ", pause);
+}
+
+std::optional<Steps> readSteps(std::istream& trace) {
+    Steps steps;
+    for (std::string line; std::getline(trace, line);) {
+        const auto begin = line.find_first_not_of(" 0123456789");
+        if (begin == std::string::npos || line[begin] == '#')
+            continue;
+        Step step;
+        const auto open = line.find(" (", begin);
+        const auto name = line.substr(begin, open - begin);
+        const auto kind = std::ranges::find(kinds, name, &Kind::name);
+        unsigned a = 0;
+        unsigned b = 0;
+        if (kind == kinds.end() || open == std::string::npos ||
+            std::sscanf(line.c_str() + open, " (%u, %u)", &a, &b) != 2)
+            return std::nullopt;
+        step.kind = static_cast<StepKind>(kind - kinds.begin());
+        step.a = a;
+        step.b = b;
+        constexpr std::string_view then = ", then ";
+        if (const auto at = line.find(then, open); at != std::string::npos) {
+            const auto pause = std::ranges::find(pauses, line.substr(at + then.size()));
+            if (pause == pauses.end())
+                return std::nullopt;
+            step.pause = static_cast<Pause>(pause - pauses.begin());
+        }
+        steps.push_back(step);
+    }
+    return steps;
 }
 
 } // namespace kestrove::simulation

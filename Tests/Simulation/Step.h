@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <iosfwd>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -97,7 +99,12 @@ using Steps = std::vector<Step>;
 /// The same steps for the same seed, for ever and on every machine.
 [[nodiscard]] Steps makeSteps(std::uint64_t seed);
 
+[[nodiscard]] std::string nameOf(StepKind kind);
 /// As a line of a trace.
 [[nodiscard]] std::string describe(const Step& step);
+
+/// The steps of a trace's lines: each may have its number before it. Lines that begin with `#` and
+/// empty ones are passed over. Absent when a line is no step.
+[[nodiscard]] std::optional<Steps> readSteps(std::istream& trace);
 
 } // namespace kestrove::simulation

@@ -41,6 +41,13 @@ void World::applyByHand(const Step& step) {
         return;
     case StepKind::stop:
         m_program->controller().stop();
+        // Impatient, and then of another mind.
+        if (step.a % 3 == 0) {
+            m_program->controller().stop();
+            runOperations(step.b % 5);
+        }
+        if (step.a % 6 == 0)
+            m_program->controller().start();
         return;
     case StepKind::setFollowMode:
         settings.followMode.set(pick(modes, step.a));

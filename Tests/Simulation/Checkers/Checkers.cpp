@@ -56,6 +56,8 @@ std::optional<Failure> Checkers::whenIdle() const {
         return Failure{"at most one stream", fmt::format("{} run", streams)};
     if (auto failure = checkMark())
         return failure;
+    if (auto failure = checkChosen())
+        return failure;
     return checkOutputFollowsState();
 }
 

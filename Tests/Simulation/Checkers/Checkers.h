@@ -63,6 +63,7 @@ private:
     [[nodiscard]] std::optional<Failure> checkHotKeysWork() const;
     // Sources.cpp
     [[nodiscard]] std::optional<Failure> checkLists() const;
+    [[nodiscard]] std::optional<Failure> checkChosen() const;
     [[nodiscard]] std::optional<Failure> checkPicker() const;
     [[nodiscard]] std::optional<Failure> checkInterruptionIsOver() const;
     [[nodiscard]] std::optional<Failure> checkFollowed() const;

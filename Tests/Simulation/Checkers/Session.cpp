@@ -1,6 +1,7 @@
 // What the session does and says, and its refreshing.
 #include "Tests/Simulation/Checkers/Checkers.h"
 #include "Tests/Simulation/Checkers/Names.h"
+#include "Tests/Simulation/Report.h"
 
 #include <array>
 #include <fmt/format.h>
@@ -45,6 +46,7 @@ bool isAllowed(CaptureSessionState from, CaptureSessionState to) {
 void Checkers::stateChanges(CaptureSessionState to) {
     const auto from = m_program.controller().sessionState().get();
     m_mayHaveCaptured |= mayCapture(to);
+    Report::ofThisProcess().count(fmt::format("state: {} to {}", nameOf(from), nameOf(to)));
     if (!isAllowed(from, to))
         noteMeanwhile("only transitions of the table",
                       fmt::format("{} to {}", nameOf(from), nameOf(to)));

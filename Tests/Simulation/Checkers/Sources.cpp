@@ -30,6 +30,20 @@ std::optional<Failure> Checkers::checkInterruptionIsOver() const {
     return {};
 }
 
+/// What is seen is what the user asks for: of the picks one, or a display.
+std::optional<Failure> Checkers::checkChosen() const {
+    const auto active = m_program.controller().activeSource().get();
+    if (!m_program.seen() || !active)
+        return {};
+    const auto& settings = m_program.settings();
+    const bool isByHand = settings.followMode.get() == FollowMode::manual;
+    const bool isChosen =
+        isByHand ? contains(settings.manualSources.get(), *active) : active->isDisplay();
+    if (!isChosen)
+        return Failure{"nothing is seen that the user does not ask for", nameOf(active)};
+    return {};
+}
+
 /// The picker lists what was there when it was opened, and comes to an end with it.
 std::optional<Failure> Checkers::checkPicker() const {
     const auto& picker = m_program.picker();
@@ -48,10 +62,14 @@ std::optional<Failure> Checkers::checkPicker() const {
 /// After the refreshes of a running session: what is offered is what is there, and what was picked
 /// and is away for a while.
 std::optional<Failure> Checkers::checkLists() const {
+    const auto& picked = m_program.settings().manualSources.get();
+    for (const auto& source : picked) {
+        if (source.isWindow() && !m_desktop.findWindow(source.identifier()))
+            return Failure{"a pick that has ended is given up", nameOf(source)};
+    }
     if (m_program.controller().sessionState().get().kind() != Kind::running)
         return {};
     const auto& lists = m_program.controller().availableSources().get();
-    const auto& picked = m_program.settings().manualSources.get();
     std::vector<CaptureSource> offered;
     for (const auto& info : lists.displays) {
         offered.push_back(info.source);
@@ -77,10 +95,6 @@ std::optional<Failure> Checkers::checkLists() const {
             m_desktop.findApplication(window.processID) &&
             !contains(offered, CaptureSource::window(window.windowID)))
             return Failure{"every window is offered", fmt::to_string(window.windowID)};
-    }
-    for (const auto& source : picked) {
-        if (source.isWindow() && !m_desktop.findWindow(source.identifier()))
-            return Failure{"a pick that has ended is given up", nameOf(source)};
     }
     for (const auto& source : m_program.controller().unavailableManualSources().get()) {
         if (!contains(picked, source))
