@@ -213,12 +213,12 @@ void World::useHotKeysInPeace() {
         if (keyboard.isTakenByOther(combination))
             keyboard.giveBackByOtherProgram(combination);
     }
-    // Two edits: one of them is a change.
+    // Two edits: one of them is a change. The last one is not what is read when nothing is stored.
+    m_program->editShortcuts(GlobalShortcuts::defaultBindings());
+    runUntilIdle();
     auto bindings = GlobalShortcuts::defaultBindings();
     bindings[ShortcutAction::hideToggle].keyCode = 38;
     m_program->editShortcuts(bindings);
-    runUntilIdle();
-    m_program->editShortcuts(GlobalShortcuts::defaultBindings());
     runUntilIdle();
 }
 

@@ -42,4 +42,81 @@ MUTATIONS = [
              "    m_activeSource.set(std::nullopt);\n", ""),
     Mutation("safe-output-keeps-the-content", CONTROLLER + "Lifecycle.cpp",
              "        m_with.outputContainer.setContentView(nullptr);\n", ""),
+    Mutation("old-source-until-the-switch-is-done", CONTROLLER + "Switching.cpp",
+             "    presentSafeOutput();\n    const CaptureResult result = co_await "
+             "m_with.captureEngine.switchSource(source);\n",
+             "    const CaptureResult result = co_await "
+             "m_with.captureEngine.switchSource(source);\n    presentSafeOutput();\n"),
+    Mutation("wait-says-so-too-early", CONTROLLER + "Switching.cpp",
+             "    co_await m_with.captureEngine.stop();\n    if (!isCurrent(request)) {\n"
+             "        co_await settleOvertakenStream();\n        co_return;\n    }\n"
+             "    presentSafeOutput();\n    m_isOutputSettled = true;\n"
+             "    m_sessionState.set(CaptureSessionState::waitingForSource());",
+             "    m_sessionState.set(CaptureSessionState::waitingForSource());\n"
+             "    co_await m_with.captureEngine.stop();\n    if (!isCurrent(request)) {\n"
+             "        co_await settleOvertakenStream();\n        co_return;\n    }\n"
+             "    presentSafeOutput();\n    m_isOutputSettled = true;"),
+    Mutation("recovery-flag-stays", CONTROLLER + "Recovery.cpp",
+             "        co_return;\n    m_isHandlingSourceFailure = false;\n"
+             "    if (isSessionActive() && !m_isFollowing)",
+             "        co_return;\n    if (isSessionActive() && !m_isFollowing)"),
+    Mutation("recovery-does-not-follow", CONTROLLER + "Recovery.cpp",
+             "    if (isSessionActive() && !m_isFollowing)\n"
+             "        beginFollowing(failedSource);\n",
+             ""),
+    Mutation("dead-stream-keeps-its-session", CONTROLLER + "Recovery.cpp",
+             "    sourceVisibilityCoordinator().setInterruptedSource(source);\n"
+             "    safelyStopAfterStreamInterruption(*source);",
+             "    sourceVisibilityCoordinator().setInterruptedSource(source);"),
+    Mutation("interrupted-source-is-forgotten", CONTROLLER + "Recovery.cpp",
+             "    sourceVisibilityCoordinator().setInterruptedSource(source);\n", ""),
+    Mutation("lists-never-forget", CONTROLLER + "Availability.cpp",
+             "        return retaining.contains(info.source) && !listed.contains(info.source);",
+             "        return !listed.contains(info.source);"),
+    Mutation("mode-change-leaves-the-source", CONTROLLER + "Following.cpp",
+             "    if (isSessionActive())\n        applyManualSources("
+             "m_with.settings.manualSources.get());\n", ""),
+    # The engine.
+    Mutation("stop-leaves-the-last-frame", ENGINE + "CaptureEngine.cpp",
+             "    state->forgetStream();\n    state->hideFrames();\n",
+             "    state->forgetStream();\n"),
+    Mutation("stop-leaves-the-stream", ENGINE + "CaptureEngine.cpp",
+             "    const auto live = state->running;\n    state->overtakeReconfigurations();\n"
+             "    state->forgetStream();",
+             "    const auto live = state->running;\n    state->overtakeReconfigurations();"),
+    Mutation("stop-overtakes-nothing", ENGINE + "CaptureEngine.cpp",
+             "    state->overtakeReconfigurations();\n", ""),
+    Mutation("every-generation-is-shown", ENGINE + "CaptureEngineState.cpp",
+             "    if (sample->generation() == acceptedGeneration)\n        renderer",
+             "    renderer"),
+    Mutation("retarget-without-hiding", ENGINE + "Reconfiguration.cpp",
+             "    state->hideFrames();\n\n", ""),
+    Mutation("stopped-meanwhile-starts-all-the-same", ENGINE + "Reconfiguration.cpp",
+             "    if (attempt.isOvertaken())\n        co_return overtaken();\n    if (!content)",
+             "    if (!content)"),
+    Mutation("two-reconfigurations-at-once", ENGINE + "Reconfiguration.cpp",
+             "    const auto turn = co_await state->turns->take();\n", ""),
+    # The shortcut coordinator.
+    Mutation("taking-back-is-taken-for-an-edit", COORDINATOR,
+             "    if (m_isRestoring)\n        return;\n", ""),
+    Mutation("refused-edit-is-left", COORDINATOR,
+             "        if (m_appliedBindings == inForce)\n            writeBack(inForce);\n", ""),
+    Mutation("taking-back-what-has-come-into-force", COORDINATOR,
+             "        if (m_appliedBindings == inForce)\n            writeBack(inForce);\n",
+             "        writeBack(inForce);\n"),
+    Mutation("edit-is-saved-untried", COORDINATOR,
+             "    if (m_globalShortcuts.install(m_handlers, bindings)) {\n"
+             "        m_appliedBindings = bindings;\n",
+             "    m_appliedBindings = bindings;\n"
+             "    if (m_globalShortcuts.install(m_handlers, bindings)) {\n"),
+    # The registry.
+    Mutation("half-a-set-stays-registered", SHORTCUTS,
+             "    removeFresh(fresh, failures);\n", ""),
+    Mutation("roll-back-tells-nothing", SHORTCUTS,
+             "    m_registeredActions.set(keys(m_registrations));\n}\n\n"
+             "bool GlobalShortcuts::refuse",
+             "}\n\nbool GlobalShortcuts::refuse"),
+    Mutation("unregistered-stays-known", SHORTCUTS,
+             "        m_registrations.erase(action);\n        unregistered.insert(action);",
+             "        unregistered.insert(action);"),
 ]
