@@ -143,10 +143,10 @@ class Session:
         self.press("Menu")
         wait_until(lambda: self.screen().data != before, "the menu")
         # It lists the sources anew when it opens, and the entries move when that is done.
-        self._wait_for_rest(1.0)
+        self.wait_for_rest(1.0)
         steps = self._menu().index(entry) + 1
         self.desktop.run("xdotool", "key", *["Down"] * steps)
-        self._wait_for_rest(0.2)
+        self.wait_for_rest(0.2)
         self.menu = self.screen()
         self.desktop.run("xdotool", "key", "Return")
         wait_until(lambda: self.screen().data != self.menu.data, "the menu to close")
@@ -158,7 +158,7 @@ class Session:
                    if self.desktop.find_window(title)]
         return ["session", "picker", "mouse", "focused", *DISPLAYS, *windows]
 
-    def _wait_for_rest(self, seconds):
+    def wait_for_rest(self, seconds):
         last = [self.screen().data, time.monotonic()]
 
         def rests():

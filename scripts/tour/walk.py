@@ -4,7 +4,7 @@ with what the display shows, on one picture of the screen, while nothing moves."
 import time
 
 import pixels
-from desktop import DISPLAYS, wait_until
+from desktop import DISPLAYS, FRAMEBUFFER, wait_until
 
 # Content of the output window on display 2: display 1 pixel by pixel.
 FULL = (1320, 40, 1280, 800)
@@ -101,6 +101,8 @@ class Walk:
         self.start()
         self.unplug_the_shared_display()
         self.start_again()
+        self.hide_and_show()
+        self.open_picker()
 
     def _before_kestrove(self):
         """Display 2 as it is without the output window; it stays so until the pointer has been
@@ -258,3 +260,31 @@ class Walk:
         session.place_output(*FULL)
         passed, seen, screen = self._equals("LEFT")
         self.report.stop("start-again", "plug it in and start again", seen, passed, screen)
+
+    def _is_out_of_sight(self):
+        x, y, width, height = self.session.desktop.geometry(self.session.window)
+        return x >= FRAMEBUFFER[0] or y >= FRAMEBUFFER[1] or x + width <= 0 or y + height <= 0
+
+    def hide_and_show(self):
+        session = self.session
+        session.desktop.run("xdotool", "key", "ctrl+super+h")
+        wait_until(self._is_out_of_sight, "the output to leave the desktop")
+        self.report.picture("hidden", session.screen())
+        session.desktop.run("xdotool", "key", "ctrl+super+h")
+        wait_until(lambda: not self._is_out_of_sight(), "the output to come back")
+        passed, seen, screen = self._equals("LEFT")
+        self.report.stop("hide-and-show", "hide the output by its hot key, and show it again", seen,
+                         passed, screen)
+
+    def open_picker(self):
+        session = self.session
+        title = "kestrove — ソース選択"
+        session.desktop.run("xdotool", "key", "ctrl+super+p")
+        wait_until(lambda: session.desktop.find_window(title), "the picker")
+        session.wait_for_rest(1.0)
+        self.report.picture("picker", session.screen())
+        session.desktop.run("xdotool", "key", "Escape")
+        wait_until(lambda: not session.desktop.find_window(title), "the picker to go")
+        passed, seen, screen = self._equals("LEFT")
+        self.report.stop("picker", "open the picker by its hot key, and close it", seen, passed,
+                         screen)
