@@ -216,6 +216,19 @@ TEST_F(Picker, HidesWhenTheUserTurnsElsewhereAndIsShownFresh) {
     EXPECT_TRUE(program().isRunning());
 }
 
+TEST_F(Picker, IsOneForQuickPressesOfItsKey) {
+    share();
+    for (int press = 0; press < 5; ++press)
+        pressTogether(desktop.connection(), {Keys::control, Keys::super, Keys::p});
+    expectOpen();
+    EXPECT_TRUE(waitForThumbnail(blue));
+    clickThumbnail(blue);
+    EXPECT_TRUE(hasPicked({&*m_blue})) << "each window has one tile, which is ticked once";
+    press(Keys::escape);
+    EXPECT_TRUE(waitUntil([this] { return !isOpen(); })) << "there is no second one";
+    EXPECT_TRUE(program().isRunning());
+}
+
 TEST_F(Picker, IsNotOnTheSharedDisplay) {
     start(onlyDisplay("RIGHT"));
     ApplicationFixture::press(Key::space);
