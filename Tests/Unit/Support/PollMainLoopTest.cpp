@@ -42,10 +42,9 @@ TEST(PollMainLoop, EndsARepeatingTimerThatItsOwnTickCancels) {
         if (++ticks == 3)
             timer.cancel();
     });
-    bool isOver = false;
-    const auto after = loop.runAfter(10 * shortly, [&] { isOver = true; });
-    EXPECT_TRUE(loop.spinUntil([&] { return isOver; }));
-    EXPECT_EQ(ticks, 3);
+    EXPECT_TRUE(loop.spinUntil([&] { return ticks == 3; }));
+    EXPECT_FALSE(timer.isPending());
+    EXPECT_FALSE(loop.spinUntil([&] { return ticks > 3; }, 10 * shortly));
 }
 
 TEST(PollMainLoop, SaysWhenAConditionDidNotComeToHold) {
