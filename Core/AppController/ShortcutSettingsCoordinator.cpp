@@ -53,12 +53,8 @@ void ShortcutSettingsCoordinator::apply(const ShortcutBindings& bindings) {
         m_globalShortcuts.startupRecoveryState.set(StartupRecoveryState::ready);
         return;
     }
-    // Later, not inside the announcement of the edit, which is stored after it. An edit that has
-    // come into force by then stands.
-    m_tasks.post([this, inForce = m_appliedBindings] {
-        if (m_appliedBindings == inForce)
-            writeBack(inForce);
-    });
+    // Later, not inside the announcement of the edit, which is stored after it.
+    m_tasks.post([this, inForce = m_appliedBindings] { writeBack(inForce); });
 }
 
 void ShortcutSettingsCoordinator::writeBack(const ShortcutBindings& bindings) {

@@ -77,9 +77,22 @@ void Program::showSourcePicker() {
     m_tasks.launch(m_picker->refresh());
 }
 
+ShortcutBindings Program::shownShortcuts() {
+    letLastEditEnd();
+    return settings().shortcutBindings.get();
+}
+
+void Program::letLastEditEnd() {
+    while (m_isEditInItsTurn && m_desktop.loop().runOne()) {
+    }
+}
+
 void Program::editShortcuts(ShortcutBindings edited) {
+    letLastEditEnd();
     ++m_shortcutEditCount;
+    m_isEditInItsTurn = true;
     settings().shortcutBindings.set(std::move(edited));
+    m_tasks.post([this] { m_isEditInItsTurn = false; });
 }
 
 SimulatedFramePointer Program::seen() const {

@@ -60,7 +60,10 @@ public:
     /// What a viewer of the call sees in the output: null is the placeholder or black.
     [[nodiscard]] SimulatedFramePointer seen() const;
 
-    /// The user has recorded shortcuts in the settings window.
+    /// What the user sees in the settings window before the next edit.
+    [[nodiscard]] ShortcutBindings shownShortcuts();
+    /// The user has recorded shortcuts in the settings window. Nobody does so twice in one turn of
+    /// the main loop: what the last edit queued runs first.
     void editShortcuts(ShortcutBindings edited);
     [[nodiscard]] int shortcutEditCount() const { return m_shortcutEditCount; }
 
@@ -69,6 +72,7 @@ private:
     [[nodiscard]] SessionViews sessionViews();
     [[nodiscard]] MenuBarViewCollaborators menuCollaborators();
     void showSourcePicker();
+    void letLastEditEnd();
 
     SimulatedDesktop& m_desktop;
     SimulatedScreenCapture m_screenCapture{m_desktop};
@@ -89,6 +93,7 @@ private:
     SimulatedOutputWindow* m_window = nullptr;
     SimulatedOverlayWindow* m_overlay = nullptr;
     int m_shortcutEditCount = 0;
+    bool m_isEditInItsTurn = false;
     KestroveSession m_session;
     MenuBarView m_menu;
     std::optional<SourcePickerModel> m_picker;

@@ -164,10 +164,9 @@ void World::pickInPicker(const Step& step) {
 
 void World::applyToHotKeys(const Step& step) {
     auto& keyboard = m_desktop.keyboard();
-    const auto& bindings = m_program->settings().shortcutBindings;
     switch (step.kind) {
     case StepKind::editShortcut: {
-        auto edited = bindings.get();
+        auto edited = m_program->shownShortcuts();
         const auto [keyCode, modifiers] = someCombination(step.b);
         // Now and then one that cannot be a shortcut.
         edited[pick(allShortcutActions, step.a)] = {keyCode, step.a % 11 == 0 ? 0 : modifiers, "x"};
