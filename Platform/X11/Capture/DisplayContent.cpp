@@ -128,6 +128,15 @@ void DisplayContent::onEvent(const xcb_generic_event_t& event) {
         m_damage += direct;
         m_isRootDamaged = true;
         m_hasNews = true;
+    } else if (type == XCB_MAP_NOTIFY) {
+        const auto& map = reinterpret_cast<const xcb_map_notify_event_t&>(event);
+        const auto beneath = m_beneath.find(map.window);
+        if (map.event != m_connection.root() || beneath == m_beneath.end())
+            return;
+        // It was away for so short a time that the stack looks the same.
+        beneath->second.redirected->redirectAnew();
+        m_damage += beneath->second.seen.region() & m_composition.covered;
+        m_hasNews = true;
     } else if (type == XCB_PROPERTY_NOTIFY) {
         const auto& property = reinterpret_cast<const xcb_property_notify_event_t&>(event);
         if (property.window != m_connection.root() || m_composition.background.isEmpty() ||

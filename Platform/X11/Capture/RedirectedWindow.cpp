@@ -1,5 +1,7 @@
 #include "Platform/X11/Capture/RedirectedWindow.h"
 
+#include "Platform/X11/ServerGrab.h"
+
 #include <utility>
 
 namespace kestrove::x11 {
@@ -11,18 +13,55 @@ RedirectedWindow::RedirectedWindow(Connection& connection, PictureFormats::Forma
     , m_format(format)
     , m_window(window)
     , m_border(border)
-    , m_damage(connection, connection.generateIdentifier())
     , m_events(connection.events.subscribe([this](const auto& event) { onEvent(event); })) {
-    auto* const xcb = connection.get();
-    xcb_composite_redirect_window(xcb, window, XCB_COMPOSITE_REDIRECT_AUTOMATIC);
-    xcb_damage_create(xcb, m_damage.get(), window, XCB_DAMAGE_REPORT_LEVEL_DELTA_RECTANGLES);
-    rename(border);
+    redirect();
 }
 
 RedirectedWindow::~RedirectedWindow() {
     if (!m_lifetime.expired())
-        xcb_composite_unredirect_window(m_connection.get(), m_window,
-                                        XCB_COMPOSITE_REDIRECT_AUTOMATIC);
+        unredirect();
+}
+
+void RedirectedWindow::redirect() {
+    auto* const xcb = m_connection.get();
+    // Nobody draws in between: it would become black.
+    const ServerGrab grab(m_connection);
+    m_damage = DamageMonitor(m_connection, m_connection.generateIdentifier());
+    // In this order: it tells what is visible before the redirection, which is the window's own,
+    // and what the server draws of the rest by itself.
+    xcb_damage_create(xcb, m_damage.get(), m_window, XCB_DAMAGE_REPORT_LEVEL_DELTA_RECTANGLES);
+    xcb_composite_redirect_window(xcb, m_window, XCB_COMPOSITE_REDIRECT_AUTOMATIC);
+
+    const auto makeRegion = [&](const xcb_rectangle_t& rectangle) {
+        ServerRegion region(m_connection, m_connection.generateIdentifier());
+        xcb_xfixes_create_region(xcb, region.get(), 1, &rectangle);
+        return region;
+    };
+    const auto own = makeRegion({});
+    xcb_damage_subtract(xcb, m_damage.get(), XCB_NONE, own.get());
+    constexpr std::uint16_t largest = 0x7FFF;
+    const xcb_rectangle_t all{0, 0, largest, largest};
+    const auto others = makeRegion(all);
+    xcb_xfixes_subtract_region(xcb, others.get(), own.get(), others.get());
+
+    rename(m_border);
+    // A picture of its own, for the clip. The regions are relative to the window inside its border.
+    const Picture picture(m_connection, m_connection.generateIdentifier());
+    xcb_render_create_picture(xcb, picture.get(), m_pixmap.get(), m_format.identifier, 0, nullptr);
+    xcb_xfixes_set_picture_clip_region(xcb, picture.get(), others.get(),
+                                       static_cast<std::int16_t>(m_border),
+                                       static_cast<std::int16_t>(m_border));
+    xcb_render_fill_rectangles(xcb, XCB_RENDER_PICT_OP_SRC, picture.get(), {0, 0, 0, 0xFFFF}, 1,
+                               &all);
+}
+
+void RedirectedWindow::unredirect() {
+    xcb_composite_unredirect_window(m_connection.get(), m_window, XCB_COMPOSITE_REDIRECT_AUTOMATIC);
+}
+
+void RedirectedWindow::redirectAnew() {
+    unredirect();
+    redirect();
 }
 
 void RedirectedWindow::rename(int border) {

@@ -14,7 +14,12 @@ namespace kestrove::x11 {
 /// window is covered or off screen, and whose changes we are told of.
 ///
 /// Our redirection stands beside a compositor's and survives it. The server gives a window a new
-/// pixmap whenever it is mapped or resized: `rename` makes us use the new one.
+/// pixmap whenever it is mapped or resized: `redirectAnew` and `rename` make us use the new one.
+///
+/// Without a compositor the server fills that pixmap with what is on the screen, so also with the
+/// windows that cover this one, and asks the program to draw what is not its own. Till it does, a
+/// moment later or never where it hangs, these pixels are black here: nobody shall see, as a part
+/// of this window, what covers it.
 ///
 /// Thread: main.
 class RedirectedWindow {
@@ -34,7 +39,10 @@ public:
     [[nodiscard]] xcb_render_picture_t picture() const { return m_picture.get(); }
     [[nodiscard]] xcb_pixmap_t pixmap() const { return m_pixmap.get(); }
 
-    /// The window was mapped or resized.
+    /// The window was mapped.
+    void redirectAnew();
+    /// The window was resized. What it gained where it is covered may be another window's for a
+    /// moment: what its program has drawn meanwhile cannot be told from that.
     void rename(int border);
 
     /// Limits what is told to `interest` (pixels of the outer rectangle). The rest, once changed,
@@ -48,6 +56,8 @@ public:
     Signal<Region> damaged;
 
 private:
+    void redirect();
+    void unredirect();
     void onEvent(const xcb_generic_event_t& event);
 
     Connection& m_connection;

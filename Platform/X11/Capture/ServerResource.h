@@ -55,6 +55,7 @@ using Pixmap = ServerResource<&xcb_free_pixmap>;
 using Picture = ServerResource<&xcb_render_free_picture>;
 using GraphicsContext = ServerResource<&xcb_free_gc>;
 using DamageMonitor = ServerResource<&xcb_damage_destroy>;
+using ServerRegion = ServerResource<&xcb_xfixes_destroy_region>;
 using Window = ServerResource<&xcb_destroy_window>;
 using Colormap = ServerResource<&xcb_free_colormap>;
 

@@ -179,7 +179,6 @@ void WindowContent::paint(const PaintTarget& target, const Region& region) {
 }
 
 void WindowContent::renewAll() {
-    m_redirected.rename(m_border);
     m_place.reset();
     m_damage = Region(0, 0, extent().width, extent().height);
     m_hasNews = true;
@@ -200,6 +199,7 @@ void WindowContent::onEvent(const xcb_generic_event_t& event) {
         // The window, or one around it, is viewable anew: the server has made a new pixmap.
         if (map.event == map.window && isFollowed(map.window)) {
             aboutToChange.emit();
+            m_redirected.redirectAnew();
             renewAll();
         }
         return;
@@ -255,6 +255,7 @@ void WindowContent::onConfigure(const xcb_configure_notify_event_t& event) {
     m_height = event.height;
     m_border = event.border_width;
     readShadow();
+    m_redirected.rename(m_border);
     renewAll();
 }
 

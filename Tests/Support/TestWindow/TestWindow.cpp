@@ -194,6 +194,12 @@ void TestWindow::paint(int width, int height) {
     sync(m_connection);
 }
 
+void TestWindow::hang() {
+    const std::uint32_t none = XCB_BACK_PIXMAP_NONE;
+    xcb_change_window_attributes(m_connection, m_window, XCB_CW_BACK_PIXMAP, &none);
+    sync(m_connection);
+}
+
 void TestWindow::fillRectangle(const xcb_rectangle_t& rectangle, Color color) {
     const xcb_gcontext_t context = xcb_generate_id(m_connection);
     xcb_create_gc(m_connection, context, m_content, XCB_GC_FOREGROUND, &color);

@@ -63,6 +63,10 @@ public:
     /// As if the program had crashed: the connection goes and all windows with it.
     void disconnect();
 
+    /// From now on its program hangs and the server draws nothing for it: what has to be drawn
+    /// anew stays as it is.
+    void hang();
+
     /// Window coordinates. Stays until the next resize.
     void fillRectangle(const xcb_rectangle_t& rectangle, Color color);
     /// The bounding shape: the union of these, in window coordinates.

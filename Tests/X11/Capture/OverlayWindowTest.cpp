@@ -190,6 +190,44 @@ TEST_P(OverlayWindowTest, IsOnNoPictureOfItsDisplay) {
     EXPECT_TRUE(std::ranges::none_of(test.output().pixels, isGreen));
 }
 
+TEST_P(OverlayWindowTest, IsOnNoPictureOfAWindowBeneathThatHangs) {
+    test.openOutput({1280, 0, 1280, 800});
+    test.start(test.display(0));
+    TestWindow beneath(
+        test.desktop.displayName(),
+        {.geometry = {150, 100, 400, 300}, .fill = WindowFill::pattern, .overrideRedirect = true});
+    test.settleScreen(wholeLeft);
+    const auto clean = test.screen(wholeLeft);
+    ASSERT_TRUE(test.outputBecomes(clean, "before"));
+    beneath.hang();
+    const xcb_rectangle_t place{300, 200, 300, 200};
+    show(place);
+    ASSERT_TRUE(test.loop.spinUntil([&] {
+        return test.screen(wholeLeft).pixel(place.x + 1, place.y + place.height / 2) == green;
+    }));
+    test.settle();
+    const auto framed = test.output();
+    for (int y = 0; y < framed.height; ++y) {
+        for (int x = 0; x < framed.width; ++x) {
+            const bool isUnderFrame = x >= place.x && x < place.x + place.width && y >= place.y &&
+                                      y < place.y + place.height;
+            const bool isMissing = isUnderFrame && framed.pixel(x, y) == 0xff000000;
+            ASSERT_TRUE(isMissing || framed.pixel(x, y) == clean.pixel(x, y)) << x << ", " << y;
+        }
+    }
+    // And moved on beneath it.
+    beneath.move(170, 100);
+    test.settle();
+    EXPECT_TRUE(
+        std::ranges::none_of(test.output().pixels, [](Color color) { return color == green; }));
+    // Its program comes to again.
+    beneath.fillRectangle({100, 50, 150, 150}, 0xFFFF0000);
+    EXPECT_TRUE(test.loop.spinUntil([&] {
+        const auto now = test.output();
+        return now.pixel(301, 250) == 0xFFFF0000 && now.pixel(330, 201) == 0xFFFF0000;
+    }));
+}
+
 TEST_P(OverlayWindowTest, IsInNoListOfTheWindowManager) {
     const TestWindow managed(test.desktop.displayName(), {.geometry = {200, 150, 300, 200}});
     show({200, 150, 300, 200});

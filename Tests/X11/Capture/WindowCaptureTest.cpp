@@ -55,6 +55,38 @@ TEST_P(WindowCapture, EqualsTheWindowAndStaysLiveWhileCovered) {
     EXPECT_TRUE(test.outputBecomes(expected, "covered"));
 }
 
+TEST_P(WindowCapture, ShowsNothingOfWhatCoversAWindowThatHangs) {
+    constexpr Color secret = 0xFFFF00FF;
+    TestWindow window(displayName(), source());
+    const TestWindow cover(
+        displayName(),
+        {.geometry = {200, 150, 100, 50}, .color = secret, .overrideRedirect = true});
+    test.settleScreen({0, 0, 1280, 800});
+    window.hang();
+    test.openOutput({1400, 100, 400, 300});
+    test.start(WindowFilter(window.id()));
+    auto expected = pattern(400, 300);
+    // A compositor has kept what is covered.
+    for (int y = 70; y < 120 && GetParam().compositor == Compositor::none; ++y)
+        std::fill_n(expected.pixels.begin() + y * 400 + 100, 100, 0xFF000000);
+    ASSERT_TRUE(test.outputBecomes(expected, "covered"));
+
+    // Mapped anew, it has a new pixmap.
+    window.unmap();
+    test.settle();
+    window.show();
+    test.settle();
+    EXPECT_TRUE(
+        std::ranges::none_of(test.output().pixels, [&](Color color) { return color == secret; }));
+
+    // Its program comes to again.
+    window.fillRectangle({0, 0, 400, 300}, 0xFF123456);
+    EXPECT_TRUE(test.loop.spinUntil([&] {
+        const auto now = test.output();
+        return now.pixel(150, 100) == 0xFF123456 && now.pixel(10, 10) == 0xFF123456;
+    }));
+}
+
 /// Covers the output and uncovers it again, so that it has to be drawn anew.
 void expose(CaptureDesktop& test, const xcb_rectangle_t& place) {
     {
