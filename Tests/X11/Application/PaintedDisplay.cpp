@@ -57,6 +57,16 @@ void PaintedDisplay::usePointer() {
 void PaintedDisplay::paint(const xcb_rectangle_t& rectangle, Color color) {
     fill(m_picture, rectangle.x, rectangle.y, rectangle.width, rectangle.height, color);
     m_window.fillRectangle(rectangle, color);
+    m_painted = rectangle;
+}
+
+bool PaintedDisplay::isOnScreen() const {
+    const int x = m_painted.x + m_painted.width / 2;
+    const int y = m_painted.y + m_painted.height / 2;
+    const xcb_rectangle_t pixel{static_cast<std::int16_t>(m_place.x + x),
+                                static_cast<std::int16_t>(m_place.y + y), 1, 1};
+    const auto screen = readPixels(m_desktop.connection(), m_desktop.root(), pixel);
+    return screen.pixel(0, 0) == m_picture.pixel(x, y);
 }
 
 PixelImage PaintedDisplay::picture() const {

@@ -19,6 +19,8 @@ public:
 
     /// With the pointer when it is there; without what others have laid onto the display.
     [[nodiscard]] PixelImage picture() const;
+    /// Whether what was painted last is on the screen: a compositor may not have shown it.
+    [[nodiscard]] bool isOnScreen() const;
 
 private:
     void usePointer();
@@ -27,6 +29,7 @@ private:
     xcb_rectangle_t m_place;
     TestWindow m_window;
     PixelImage m_picture;
+    xcb_rectangle_t m_painted{};
 };
 
 } // namespace kestrove::test

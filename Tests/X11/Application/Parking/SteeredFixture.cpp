@@ -200,7 +200,8 @@ testing::AssertionResult SteeredFixture::presents(const PaintedDisplay& display,
         tolerance = isScaled ? scalingTolerance : 0;
         return areAlike(shown, expected, tolerance);
     });
-    return samePixels(shown, expected, name, tolerance);
+    return samePixels(shown, expected, name, tolerance)
+           << (display.isOnScreen() ? "" : "; neither does the screen show it");
 }
 
 } // namespace kestrove::test
