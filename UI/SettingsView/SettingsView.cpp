@@ -15,6 +15,7 @@ SettingsView::SettingsView(SettingsViewCollaborators collaborators, QWidget* par
     : QWidget(parent)
     , m_settings(collaborators.settings)
     , m_globalShortcuts(collaborators.globalShortcuts)
+    , m_indicators(new IndicatorStyle(this))
     , m_shortcuts(collaborators.settings, collaborators.keyboard)
     , m_tasks(collaborators.loop) {
     auto* const layout = new QVBoxLayout(this);
@@ -33,6 +34,7 @@ QWidget* SettingsView::makeFollowSection() {
     section.layout->addWidget(title);
     for (const auto mode : allFollowModes) {
         auto* const choice = new QRadioButton(qtText(SettingsTexts::label(mode)));
+        choice->setStyle(m_indicators);
         choice->setAccessibleDescription(title->text());
         m_modes.addButton(choice, static_cast<int>(mode));
         section.layout->addWidget(choice);
@@ -71,6 +73,7 @@ QWidget* SettingsView::makeStartSection() {
 
 QCheckBox* SettingsView::makeToggle(std::string_view label, Published<bool>& setting) {
     auto* const toggle = new QCheckBox(qtText(label));
+    toggle->setStyle(m_indicators);
     connect(toggle, &QCheckBox::clicked, this,
             [&setting](bool isChecked) { setting.set(isChecked); });
     m_renderToggles.emplace_back([toggle, &setting] { toggle->setChecked(setting.get()); });

@@ -4,6 +4,7 @@
 #include "Core/GlobalShortcuts/GlobalShortcuts.h"
 #include "Core/Settings/AppSettings.h"
 #include "UI/SettingsView/FrameRateStepper.h"
+#include "UI/SettingsView/IndicatorStyle.h"
 #include "UI/SettingsView/ShortcutSection.h"
 #include "UI/ShortcutRecorder/ShortcutRecorder.h"
 
@@ -48,6 +49,7 @@ private:
 
     AppSettings& m_settings;
     const GlobalShortcuts& m_globalShortcuts;
+    IndicatorStyle* m_indicators;
     QButtonGroup m_modes;
     QLabel m_frameRate;
     FrameRateStepper m_frameRateStepper;

@@ -1,10 +1,13 @@
 #include "UI/SettingsView/FormWidgets.h"
+#include "UI/SettingsView/IndicatorStyle.h"
 #include "UI/SettingsView/StatusLabel.h"
 #include "UI/ShortcutRecorder/RecorderDrawing.h"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QImage>
 #include <QPainter>
+#include <QRadioButton>
 
 #include <gtest/gtest.h>
 
@@ -78,6 +81,22 @@ TEST_P(SettingsColors, StatusTextsCanBeRead) {
     }
     EXPECT_GE(contrast(CaptionLabel("x").palette().color(QPalette::WindowText), GetParam().window),
               4.5);
+}
+
+TEST_P(SettingsColors, ButtonsToChooseByCanBeToldFromTheWindow) {
+    QWidget window;
+    auto* const style = new IndicatorStyle(&window);
+    for (QAbstractButton* const button :
+         {static_cast<QAbstractButton*>(new QCheckBox(&window)),
+          static_cast<QAbstractButton*>(new QRadioButton(&window))}) {
+        button->setStyle(style);
+        button->resize(40, 30);
+        const auto image = button->grab().toImage();
+        double best = 1;
+        for (int x = 0; x < 8; ++x)
+            best = std::max(best, contrast(image.pixelColor(x, 15), GetParam().window));
+        EXPECT_GE(best, 3);
+    }
 }
 
 TEST_P(SettingsColors, TheRecorderIsTheColorOfControlsAndOfTheAccentWhileItRecords) {
