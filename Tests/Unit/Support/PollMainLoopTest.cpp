@@ -26,12 +26,15 @@ TEST(PollMainLoop, FiresTimersInTheOrderInWhichTheyAreDue) {
     PollMainLoop loop;
     std::vector<int> fired;
     const auto start = loop.now();
-    const auto second = loop.runAfter(2 * shortly, [&] { fired.push_back(2); });
+    // However long this thread is kept from running in between.
+    const auto last = loop.runAfter(Seconds(3600), [&] { fired.push_back(3); });
     const auto first = loop.runAfter(shortly, [&] { fired.push_back(1); });
+    const auto second = loop.runAfter(2 * shortly, [&] { fired.push_back(2); });
     EXPECT_TRUE(loop.spinUntil([&] { return fired.size() == 2; }));
     EXPECT_EQ(fired, (std::vector<int>{1, 2}));
     EXPECT_GE(loop.now() - start, 2 * shortly);
     EXPECT_FALSE(first.isPending());
+    EXPECT_TRUE(last.isPending());
 }
 
 TEST(PollMainLoop, EndsARepeatingTimerThatItsOwnTickCancels) {
