@@ -12,8 +12,13 @@ FrameSurface::FrameSurface(Connection& connection, const PictureFormats& formats
     , m_pixmap(connection, connection.generateIdentifier())
     , m_picture(connection, connection.generateIdentifier()) {
     auto* const xcb = connection.get();
-    xcb_create_pixmap(xcb, 24, m_pixmap.get(), connection.root(), static_cast<std::uint16_t>(width),
-                      static_cast<std::uint16_t>(height));
+    connection.onError(xcb_create_pixmap(xcb, 24, m_pixmap.get(), connection.root(),
+                                         static_cast<std::uint16_t>(width),
+                                         static_cast<std::uint16_t>(height)),
+                       [weak = std::weak_ptr(m_refused)] {
+                           if (const auto refused = weak.lock())
+                               refused->emit();
+                       });
     // Scaling reads a little beyond the edges: the edge itself goes on there.
     const std::uint32_t repeat = XCB_RENDER_REPEAT_PAD;
     xcb_render_create_picture(xcb, m_picture.get(), m_pixmap.get(), formats.rgb24(),

@@ -1,9 +1,12 @@
 #pragma once
 
+#include "Async/Signal.h"
 #include "Platform/X11/Capture/FramePainter.h"
 #include "Platform/X11/Capture/PictureFormats.h"
 #include "Platform/X11/Capture/Region.h"
 #include "Platform/X11/Capture/ServerResource.h"
+
+#include <memory>
 
 namespace kestrove::x11 {
 
@@ -26,6 +29,9 @@ public:
     [[nodiscard]] Region bounds() const { return {0, 0, m_width, m_height}; }
     /// Whether the server still has it: false once the connection it was made on is lost.
     [[nodiscard]] bool isValid() const { return static_cast<bool>(m_pixmap); }
+
+    /// The server had no memory for it: nothing can be drawn from it, now or later.
+    [[nodiscard]] Signal<>& refused() { return *m_refused; }
 
     /// `painter` has `region` newer than the pixmap. It stays until it is detached.
     void invalidate(FramePainter& painter, const Region& region);
@@ -51,6 +57,8 @@ private:
     Picture m_picture;
     FramePainter* m_painter = nullptr;
     Region m_newer;
+    /// Shared, for the server may answer when this has gone.
+    std::shared_ptr<Signal<>> m_refused = std::make_shared<Signal<>>();
 };
 
 /// Limits what is painted into `picture` from now on.

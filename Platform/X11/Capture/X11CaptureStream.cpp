@@ -11,6 +11,10 @@ PlatformError connectionLost() {
     return {"X11", XCB_CONN_ERROR, "the connection to the X server was lost"};
 }
 
+PlatformError noMemory() {
+    return {"X11", XCB_ALLOC, "the X server has no memory for the picture of the source"};
+}
+
 } // namespace
 
 Region X11CaptureStream::PaintedCursor::region() const {
@@ -98,6 +102,7 @@ void X11CaptureStream::letGoOfSurface() {
     // The layer may still show it, and draw it again.
     if (const auto surface = std::exchange(m_surface, nullptr); surface && surface.use_count() > 1)
         surface->detach();
+    m_refused.cancel();
     m_cursor.reset();
 }
 
@@ -165,6 +170,7 @@ void X11CaptureStream::makeFrame() {
             m_surface->forget();
         m_surface = std::make_shared<FrameSurface>(m_connection, m_services->formats, extent.width,
                                                    extent.height);
+        m_refused = m_surface->refused().subscribe([this] { fail(noMemory()); });
         m_isWholeFrameDue = true;
         m_cursor.reset();
     }

@@ -84,6 +84,7 @@ private:
     Subscription m_aboutToChange;
     Subscription m_changed;
     Subscription m_gone;
+    Subscription m_refused;
     Subscription m_cursorChanged;
     Subscription m_monitorsChanged;
     Subscription m_lost;

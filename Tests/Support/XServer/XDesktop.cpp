@@ -133,6 +133,10 @@ void XDesktop::stopCompositor() {
     m_compositor.reset();
 }
 
+void XDesktop::stopSessionBus() {
+    m_bus.reset();
+}
+
 bool XDesktop::hasWindowManager() const {
     // The property outlives a killed window manager; the window that it names does not.
     const xcb_window_t check = m_server.propertyItem(root(), "_NET_SUPPORTING_WM_CHECK");

@@ -54,6 +54,8 @@ public:
     void stopWindowManager();
     void startCompositor();
     void stopCompositor();
+    /// Whoever is connected to the session bus loses it, for good.
+    void stopSessionBus();
 
 private:
     void startSessionBus();

@@ -1,0 +1,96 @@
+// What the program lives on is short for a while: room for files, the session's bus.
+
+#include "Tests/Support/Processes/FileContent.h"
+#include "Tests/Support/Processes/Waiting.h"
+#include "Tests/X11/Application/ApplicationFixture.h"
+#include "Tests/X11/Application/NotifierHost.h"
+
+#include <csignal>
+#include <sys/resource.h>
+
+namespace kestrove::test {
+namespace {
+
+class Shortage : public ApplicationFixture {
+protected:
+    explicit Shortage(SessionBus bus = SessionBus::none)
+        : ApplicationFixture(WindowManager::openbox, bus) {}
+
+    [[nodiscard]] bool hasSaved(std::string_view line) const {
+        return waitUntil([&] { return contentOf(settingsFile()).contains(line); });
+    }
+
+    static constexpr int session = 1; ///< entries of the menu, texts not counted
+    static constexpr int followFocus = 4;
+};
+
+/// No file can grow, as on a full disk.
+class ShortageOfRoom : public Shortage {
+protected:
+    void startSharing() {
+        writeSettings("kestrove.autoStart=true\nkestrove.followMode=mouse\n");
+        // Told of a write that does not fit by its failure alone, as on a full disk.
+        start({"sh", "-c", "trap '' XFSZ; exec \"$0\"", KESTROVE_PROGRAM});
+        ASSERT_TRUE(shows(left, "at first"));
+    }
+    void setRoom(rlim_t bytes) {
+        const rlimit limit{bytes, RLIM_INFINITY};
+        ASSERT_EQ(prlimit(program().processIdentifier(), RLIMIT_FSIZE, &limit, nullptr), 0);
+    }
+    void choose(int entry) {
+        openMenuByKey();
+        chooseFromMenu(entry);
+        ASSERT_TRUE(waitUntil([this] { return !isMenuOpen(); }));
+    }
+};
+
+TEST_F(ShortageOfRoom, LeavesTheSettingsInForceAndTheFileAsItWas) {
+    ASSERT_NO_FATAL_FAILURE(startSharing());
+    const auto before = contentOf(settingsFile());
+    setRoom(0);
+    constexpr int rightDisplay = 6;
+    ASSERT_NO_FATAL_FAILURE(choose(rightDisplay));
+    EXPECT_TRUE(shows(right, "picked by hand"));
+    EXPECT_EQ(contentOf(settingsFile()), before);
+    right.paint({10, 500, 200, 250}, 0xffffffff);
+    EXPECT_TRUE(shows(right, "shares on"));
+
+    setRoom(RLIM_INFINITY);
+    ASSERT_NO_FATAL_FAILURE(choose(followFocus));
+    EXPECT_TRUE(hasSaved("kestrove.followMode=focusedApp"));
+    EXPECT_TRUE(hasSaved("kestrove.manualSources=[{\"display\"")) << "what did not fit then";
+    program().signal(SIGTERM);
+    EXPECT_TRUE(endsWith(0));
+}
+
+/// The session's message bus ends under the program, whose icon is in a tray there.
+class ShortageOfABus : public Shortage {
+protected:
+    ShortageOfABus()
+        : Shortage(SessionBus::own) {}
+};
+
+TEST_F(ShortageOfABus, IsNotSeenInWhatIsShared) {
+    {
+        NotifierHost tray(desktop.sessionBusAddress());
+        meanwhile = [&tray] { tray.serve(); };
+        start("kestrove.autoStart=true\nkestrove.followMode=mouse\n");
+        meanwhile = nullptr;
+        ASSERT_TRUE(tray.hasIcon()) << program().logTail();
+        ASSERT_TRUE(shows(left, "at first"));
+    }
+    desktop.stopSessionBus();
+    left.paint({20, 300, 100, 80}, 0xff00ff00);
+    EXPECT_TRUE(shows(left, "shares on"));
+    openMenuByKey();
+    chooseFromMenu(session);
+    EXPECT_TRUE(showsPlaceholder("stopped"));
+    server.movePointer(20, 20);
+    press(Key::returnKey);
+    EXPECT_TRUE(shows(left, "started"));
+    program().signal(SIGTERM);
+    EXPECT_TRUE(endsWith(0)) << program().logTail();
+}
+
+} // namespace
+} // namespace kestrove::test
