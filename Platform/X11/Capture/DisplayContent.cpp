@@ -16,6 +16,7 @@ DisplayContent::DisplayContent(Connection& connection, CaptureServices& services
     , m_excluded(std::move(excluded))
     , m_root(connection, connection.generateIdentifier())
     , m_rootDamage(connection, connection.generateIdentifier())
+    , m_drawn(connection, connection.generateIdentifier())
     , m_events(connection.events.subscribe([this](const auto& event) { onEvent(event); }))
     , m_drained(connection.eventsDrained.subscribe([this] { onDrained(); }))
     , m_stackChanged(services.stack.changed.subscribe([this] { arrange(); }))
@@ -28,6 +29,7 @@ DisplayContent::DisplayContent(Connection& connection, CaptureServices& services
                               &inferiors);
     xcb_damage_create(xcb, m_rootDamage.get(), connection.root(),
                       XCB_DAMAGE_REPORT_LEVEL_DELTA_RECTANGLES);
+    xcb_xfixes_create_region(xcb, m_drawn.get(), 0, nullptr);
     connection.selectEvents(connection.root(), XCB_EVENT_MASK_PROPERTY_CHANGE);
     arrange();
 }
@@ -177,6 +179,8 @@ void DisplayContent::paint(const PaintTarget& target, const Region& region) {
                              target.picture, static_cast<std::int16_t>(box.x - dx),
                              static_cast<std::int16_t>(box.y - dy), 0, 0, box.x, box.y, box.width,
                              box.height);
+        if (target.window != XCB_NONE)
+            tellOfDrawing(target.window, clip);
     }
     const auto covered = root & m_composition.covered;
     if (covered.isEmpty())
@@ -184,6 +188,13 @@ void DisplayContent::paint(const PaintTarget& target, const Region& region) {
     paintBackground(target, covered);
     for (const auto& window : m_composition.windows)
         paintWindow(target, window, covered);
+}
+
+void DisplayContent::tellOfDrawing(xcb_window_t window, const Region& drawn) {
+    const auto rectangles = drawn.rectangles();
+    xcb_xfixes_set_region(m_connection.get(), m_drawn.get(),
+                          static_cast<std::uint32_t>(rectangles.size()), rectangles.data());
+    xcb_damage_add(m_connection.get(), window, m_drawn.get());
 }
 
 Region DisplayContent::paintedAtOnce(const Region& region) const {

@@ -46,6 +46,10 @@ private:
     void onEvent(const xcb_generic_event_t& event);
     void onDrained();
     [[nodiscard]] Region displayRegion() const { return Region(m_area); }
+    /// A redirected window is brought to the screen when the server next has nothing else to do, as
+    /// far as it was drawn into. Reading the root brings it there too, before the drawing that the
+    /// reading is for, and forgets that anything was drawn: so it is told once more.
+    void tellOfDrawing(xcb_window_t window, const Region& drawn);
     void paintBackground(const PaintTarget& target, const Region& root);
     void paintWindow(const PaintTarget& target, const ComposedWindow& window, const Region& root);
 
@@ -59,6 +63,7 @@ private:
     std::unique_ptr<RootBackground> m_background;
     Picture m_root;
     DamageMonitor m_rootDamage;
+    ServerRegion m_drawn;
     /// Something to show was told since the changes were last accepted.
     bool m_isRootDamaged = false;
     /// Root coordinates.

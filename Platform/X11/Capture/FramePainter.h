@@ -11,6 +11,8 @@ struct PaintTarget {
     xcb_render_picture_t picture = XCB_NONE;
     int x = 0;
     int y = 0;
+    /// That the picture is of; none where it is of a pixmap.
+    xcb_window_t window = XCB_NONE;
 };
 
 /// What a frame consists of, as it is now. Regions are pixels of the frame. Thread: main.

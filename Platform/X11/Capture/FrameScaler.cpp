@@ -102,11 +102,14 @@ Region FrameScaler::toTarget(const Region& changed) const {
     return result & m_destination;
 }
 
-void FrameScaler::draw(xcb_render_picture_t target, const Region& changed) {
-    if (isOneToOne()) {
-        m_surface->draw({target, m_x, m_y}, changed & m_surface->bounds());
-        return;
-    }
+void FrameScaler::draw(xcb_render_picture_t target, xcb_window_t window, const Region& changed) {
+    if (isOneToOne())
+        m_surface->draw({target, m_x, m_y, window}, changed & m_surface->bounds());
+    else
+        drawScaled(target, changed);
+}
+
+void FrameScaler::drawScaled(xcb_render_picture_t target, const Region& changed) {
     m_surface->bringUpToDate();
     auto* const xcb = m_connection.get();
     auto from = m_picture.get();
@@ -126,7 +129,7 @@ void FrameScaler::drawAll(xcb_render_picture_t target) {
     if (isOneToOne())
         redraw(target, m_destination);
     else
-        draw(target, m_surface->bounds());
+        drawScaled(target, m_surface->bounds());
 }
 
 void FrameScaler::redraw(xcb_render_picture_t target, const Region& part) {

@@ -29,8 +29,9 @@ public:
     /// Where in the target the frame goes; the rest of the target stays as it is.
     [[nodiscard]] const Region& destination() const { return m_destination; }
 
-    /// Brings `changed` (pixels of the surface) up to date in `target`, whose clip it sets.
-    void draw(xcb_render_picture_t target, const Region& changed);
+    /// Brings `changed` (pixels of the surface) up to date in `target`, whose clip it sets. It is a
+    /// picture of `window`, or of a pixmap where that is none.
+    void draw(xcb_render_picture_t target, xcb_window_t window, const Region& changed);
 
     /// Draws all of it: the first frame, which may be black where its source shows nothing.
     void drawAll(xcb_render_picture_t target);
@@ -46,6 +47,7 @@ private:
         Picture picture;
     };
 
+    void drawScaled(xcb_render_picture_t target, const Region& changed);
     void addHalvedLevels(const PictureFormats& formats, double reduction);
     void setScale(xcb_render_picture_t picture, double x, double y) const;
     [[nodiscard]] bool isOneToOne() const;

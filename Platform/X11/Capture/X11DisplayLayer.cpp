@@ -89,7 +89,7 @@ void X11DisplayLayer::enqueue(SampleBufferPointer sample) {
     if (!m_window)
         return;
     if (m_scaler && follows)
-        m_scaler->draw(m_target.get(), content.damage);
+        m_scaler->draw(m_target.get(), m_window.get(), content.damage);
     else
         drawAll();
     m_connection.flush();

@@ -43,7 +43,7 @@ xcb_get_image_cookie_t requestImage(Connection& connection, SourceContent& conte
     const auto height = static_cast<int>(configuration.height);
     const FrameSurface scaled(connection, shared.formats, width, height);
     FrameScaler(connection, shared.formats, surface, width, height)
-        .draw(scaled.picture(), surface->bounds());
+        .draw(scaled.picture(), XCB_NONE, surface->bounds());
     return xcb_get_image(connection.get(), XCB_IMAGE_FORMAT_Z_PIXMAP, scaled.pixmap(), 0, 0,
                          static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height),
                          ~0U);

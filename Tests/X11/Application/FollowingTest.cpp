@@ -1,3 +1,5 @@
+#include "Tests/Support/PixelReader/PixelReader.h"
+#include "Tests/Support/Processes/Waiting.h"
 #include "Tests/X11/Application/ApplicationFixture.h"
 
 namespace kestrove::test {
@@ -11,6 +13,18 @@ class Following : public ApplicationFixture, public testing::WithParamInterface<
 protected:
     Following()
         : ApplicationFixture(GetParam()) {}
+
+    /// What others read of the window is not yet what the user sees of it. Asked first: their
+    /// reading brings it to the screen.
+    [[nodiscard]] testing::AssertionResult isOnTheScreen(const PaintedDisplay& display) {
+        PixelImage seen;
+        const auto expected = display.picture();
+        (void)waitUntil([&] {
+            seen = readPixels(desktop.connection(), desktop.root(), outputPlace());
+            return areAlike(seen, expected, 0);
+        });
+        return samePixels(seen, expected, "the screen");
+    }
 };
 
 INSTANTIATE_TEST_SUITE_P(Desks, Following,
@@ -28,6 +42,7 @@ TEST_P(Following, ShowsTheDisplayUnderThePointerWhereverTheOutputLies) {
     ASSERT_EQ(outputPlace().width, leftPlace.width);
     EXPECT_TRUE(shows(left, "pixel by pixel"));
     left.paint({300, 250, 120, 45}, 0xff3060ff);
+    EXPECT_TRUE(isOnTheScreen(left));
     EXPECT_TRUE(shows(left, "changed"));
     server.movePointer(210, 333);
     EXPECT_TRUE(shows(left, "pointer moved"));

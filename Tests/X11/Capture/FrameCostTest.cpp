@@ -62,7 +62,7 @@ TEST_F(FrameCost, OfABlockInADisplayOneToOne) {
         [&](int step) { window->fillRectangle({100, 50, 200, 200}, static_cast<Color>(step)); });
     expectPerFrame(
         seen,
-        {.requests = 3, .bytes = 72, .draws = 1, .pixels = 200 * 200, .replies = 0, .events = 2});
+        {.requests = 5, .bytes = 100, .draws = 1, .pixels = 200 * 200, .replies = 0, .events = 2});
 }
 
 TEST_F(FrameCost, OfAVideoInADisplayOneToOne) {
@@ -73,7 +73,7 @@ TEST_F(FrameCost, OfAVideoInADisplayOneToOne) {
         [&](int step) { window->fillRectangle({0, 0, 1200, 700}, static_cast<Color>(step)); });
     expectPerFrame(
         seen,
-        {.requests = 3, .bytes = 72, .draws = 1, .pixels = 1200 * 700, .replies = 0, .events = 2});
+        {.requests = 5, .bytes = 100, .draws = 1, .pixels = 1200 * 700, .replies = 0, .events = 2});
 }
 
 TEST_F(FrameCost, OfAVideoThatIsTheWindowOneToOne) {
@@ -164,7 +164,7 @@ TEST_F(FrameCost, IsTheSameAmongManyWindows) {
         [&](int step) { window->fillRectangle({100, 50, 200, 200}, static_cast<Color>(step)); });
     expectPerFrame(
         seen,
-        {.requests = 3, .bytes = 72, .draws = 1, .pixels = 200 * 200, .replies = 0, .events = 2});
+        {.requests = 5, .bytes = 100, .draws = 1, .pixels = 200 * 200, .replies = 0, .events = 2});
 }
 
 TEST_F(FrameCost, OfAMovedPointer) {
@@ -175,8 +175,8 @@ TEST_F(FrameCost, OfAMovedPointer) {
     const auto seen =
         costOf([&](int step) { test.desktop.server().movePointer(50 + 40 * step, 70); });
     // The question for the position is one round trip; the pointer's image is already there.
-    EXPECT_EQ(seen.requests, 9 * steps);
-    EXPECT_EQ(seen.bytes, 232 * steps);
+    EXPECT_EQ(seen.requests, 11 * steps);
+    EXPECT_EQ(seen.bytes, 260 * steps);
     EXPECT_EQ(seen.draws, 4 * steps);
     constexpr int largestCursor = 64 * 64; // pixels
     EXPECT_LE(seen.pixels, 5 * largestCursor * steps);
