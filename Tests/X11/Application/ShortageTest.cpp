@@ -5,6 +5,7 @@
 #include "Tests/X11/Application/ApplicationFixture.h"
 #include "Tests/X11/Application/NotifierHost.h"
 
+#include <algorithm>
 #include <csignal>
 #include <sys/resource.h>
 
@@ -34,7 +35,9 @@ protected:
         ASSERT_TRUE(shows(left, "at first"));
     }
     void setRoom(rlim_t bytes) {
-        const rlimit limit{bytes, RLIM_INFINITY};
+        rlimit limit{};
+        ASSERT_EQ(prlimit(program().processIdentifier(), RLIMIT_FSIZE, nullptr, &limit), 0);
+        limit.rlim_cur = std::min(bytes, limit.rlim_max);
         ASSERT_EQ(prlimit(program().processIdentifier(), RLIMIT_FSIZE, &limit, nullptr), 0);
     }
     void choose(int entry) {

@@ -3,6 +3,7 @@
 #include "Tests/Support/XServer/Reply.h"
 #include "Tests/X11/Sources/SourcesFixture.h"
 
+#include <algorithm>
 #include <fmt/format.h>
 #include <fstream>
 #include <string>
@@ -36,7 +37,9 @@ protected:
 private:
     static pid_t serverProcess() { return server().process().processIdentifier(); }
     static void setLimit(rlim_t bytes) {
-        const rlimit limit{bytes, RLIM_INFINITY};
+        rlimit limit{};
+        ASSERT_EQ(prlimit(serverProcess(), RLIMIT_AS, nullptr, &limit), 0);
+        limit.rlim_cur = std::min(bytes, limit.rlim_max);
         ASSERT_EQ(prlimit(serverProcess(), RLIMIT_AS, &limit, nullptr), 0);
     }
     static rlim_t addressSpace() {
