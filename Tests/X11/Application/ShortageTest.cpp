@@ -1,13 +1,17 @@
-// What the program lives on is short for a while: room for files, the session's bus.
+// What the program lives on is short for a while: connections to the X server, room for files, the
+// session's bus.
 
 #include "Tests/Support/Processes/FileContent.h"
 #include "Tests/Support/Processes/Waiting.h"
+#include "Tests/Support/XServer/Reply.h"
 #include "Tests/X11/Application/ApplicationFixture.h"
 #include "Tests/X11/Application/NotifierHost.h"
 
 #include <algorithm>
 #include <csignal>
+#include <memory>
 #include <sys/resource.h>
+#include <vector>
 
 namespace kestrove::test {
 namespace {
@@ -24,6 +28,53 @@ protected:
     static constexpr int session = 1; ///< entries of the menu, texts not counted
     static constexpr int followFocus = 4;
 };
+
+/// Other programs have every connection that the X server can give.
+class ShortageOfConnections : public Shortage {
+protected:
+    using Connection = std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)>;
+
+    void takeAllConnections() {
+        while (true) {
+            Connection next(xcb_connect(desktop.displayName().c_str(), nullptr), &xcb_disconnect);
+            if (xcb_connection_has_error(next.get()) != 0)
+                return;
+            m_others.push_back(std::move(next));
+        }
+    }
+
+    std::vector<Connection> m_others;
+};
+
+TEST_F(ShortageOfConnections, IsMendedByTheFirstStartThatFindsOne) {
+    start(onlyDisplay("RIGHT") + "kestrove.autoStart=true\n");
+    ASSERT_TRUE(shows(right, "at first"));
+    takeAllConnections();
+    ASSERT_GT(m_others.size(), 50U);
+    right.paint({10, 500, 200, 250}, 0xffffffff);
+    EXPECT_TRUE(shows(right, "goes on with the connections that it has"));
+
+    xcb_kill_client(desktop.connection(), frameWindow());
+    sync(desktop.connection());
+    takeAllConnections();
+    EXPECT_TRUE(showsPlaceholder("cut"));
+    press(Key::returnKey);
+    // An alert has come up, which the user closes.
+    EXPECT_TRUE(waitUntil([this] { return !hasFocus(); })) << program().logTail();
+    EXPECT_TRUE(waitUntil([this] {
+        if (!hasFocus())
+            server.press(Key::escape);
+        return hasFocus();
+    }));
+    EXPECT_TRUE(showsPlaceholder("no connection to be had"));
+    EXPECT_TRUE(program().isRunning()) << program().logTail();
+
+    m_others.clear();
+    press(Key::returnKey);
+    EXPECT_TRUE(shows(right, "shares again"));
+    right.paint({210, 500, 200, 250}, 0xff00ffff);
+    EXPECT_TRUE(shows(right, "follows changes again"));
+}
 
 /// No file can grow, as on a full disk.
 class ShortageOfRoom : public Shortage {
