@@ -70,6 +70,9 @@ def main():
     lines = [f"{count} {name}" for name, count in sorted(counts.items())]
     (options.folder / "report.txt").write_text("\n".join(lines) + "\n", encoding="utf-8")
     steps = sum(count for name, count in counts.items() if name.startswith("step: "))
+    points = [count for name, count in counts.items() if name.startswith("point: ")]
+    print(f"{sum(count > 0 for count in points)} of {len(points)} points of the capture service "
+          "reached (an operation and what becomes of it)")
     print(f"{counts['runs']} runs, {steps} steps, seeds from {first}, {failed} failures; "
           f"counts in {options.folder / 'report.txt'}")
     sys.exit(1 if failed else 0)

@@ -11,8 +11,8 @@ class Report {
 public:
     static Report& ofThisProcess();
 
-    /// One more of what `name` says.
-    void count(const std::string& name) { ++m_counts[name]; }
+    /// So many more of what `name` says; none leaves a line that says 0.
+    void count(const std::string& name, std::uint64_t more = 1) { m_counts[name] += more; }
     /// A line each, its count first.
     [[nodiscard]] std::string lines() const;
 

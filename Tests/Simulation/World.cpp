@@ -1,7 +1,11 @@
 #include "Tests/Simulation/World.h"
 
+#include "Tests/Simulation/Report.h"
+
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <fmt/format.h>
 #include <utility>
 
 namespace kestrove::simulation {
@@ -10,6 +14,19 @@ namespace {
 
 /// Short enough that nothing is seen in between that no look catches.
 constexpr Seconds lookEvery{0.005};
+
+/// What becomes of an operation of the capture service.
+constexpr const char* answers = "answers";
+constexpr const char* failsAtOnce = "fails at once";
+constexpr const char* isHeld = "is held";
+constexpr const char* answersSoon = "answers soon";
+constexpr const char* failsSoon = "fails soon";
+constexpr const char* answersLate = "answers late";
+constexpr std::array outcomes{answers, failsAtOnce, isHeld, answersSoon, failsSoon, answersLate};
+
+void reportCalls(const char* operation, const char* outcome, std::uint64_t calls) {
+    Report::ofThisProcess().count(fmt::format("point: {} {}", operation, outcome), calls);
+}
 
 } // namespace
 
@@ -26,6 +43,8 @@ World::~World() {
     m_program.reset();
     apply({.kind = StepKind::releaseOperations});
     m_loop.runUntilIdle();
+    for (auto& operation : m_operations)
+        countCalls(operation);
 }
 
 void World::restart() {
@@ -60,41 +79,69 @@ void World::apply(const Step& step) {
         applyByHand(step);
 }
 
-std::vector<SimulatedOperation*> World::operations() {
+std::vector<World::PlannedOperation> World::makeOperations() {
     auto& capture = m_desktop.capture();
-    return {&capture.shareableContent,    &capture.startCapture,        &capture.stopCapture,
-            &capture.updateContentFilter, &capture.updateConfiguration, &capture.captureImage,
-            &capture.addScreenOutput};
+    std::vector<PlannedOperation> operations{
+        {.operation = &capture.shareableContent, .name = "shareableContent"},
+        {.operation = &capture.startCapture, .name = "startCapture"},
+        {.operation = &capture.stopCapture, .name = "stopCapture"},
+        {.operation = &capture.updateContentFilter, .name = "updateContentFilter"},
+        {.operation = &capture.updateConfiguration, .name = "updateConfiguration"},
+        {.operation = &capture.captureImage, .name = "captureImage"},
+        {.operation = &capture.addScreenOutput, .name = "addScreenOutput", .answersAtOnce = true}};
+    for (auto& operation : operations)
+        operation.plan = answers;
+    // A point that no run reaches has its line, too.
+    for (const auto& operation : operations) {
+        for (const auto* const outcome : outcomes) {
+            if (!operation.answersAtOnce || outcome == failsAtOnce || outcome == answers)
+                reportCalls(operation.name, outcome, 0);
+        }
+    }
+    return operations;
+}
+
+void World::countCalls(PlannedOperation& operation) {
+    const int calls = operation.operation->callCount();
+    reportCalls(operation.name, operation.plan,
+                static_cast<std::uint64_t>(calls - operation.callsBeforePlan));
+    operation.callsBeforePlan = calls;
+}
+
+void World::plan(PlannedOperation& operation, const char* name, SimulatedOutcome outcome) {
+    countCalls(operation);
+    operation.plan = name;
+    operation.operation->always(std::move(outcome));
 }
 
 void World::planOperation(const Step& step) {
-    auto& operation = *pick(operations(), step.a);
+    auto& operation = m_operations[step.a % m_operations.size()];
     const PlatformError error("simulated trouble", 7, "as planned");
-    const bool answersAtOnce = &operation == &m_desktop.capture().addScreenOutput;
+    const Seconds delay(step.b % 300 / 1000.0);
     switch (step.b % 6) {
     case 0:
-        operation.always(SimulatedOutcome::fails(error));
+        plan(operation, failsAtOnce, SimulatedOutcome::fails(error));
         return;
     case 1:
-        operation.always(SimulatedOutcome::succeeds());
+        plan(operation, answers, SimulatedOutcome::succeeds());
         return;
     default:
         break;
     }
-    if (answersAtOnce)
+    if (operation.answersAtOnce)
         return;
     switch (step.b % 6) {
     case 2:
-        operation.always(SimulatedOutcome::held());
+        plan(operation, isHeld, SimulatedOutcome::held());
         return;
     case 3:
-        operation.always(SimulatedOutcome::succeeds(Seconds(step.b % 300 / 1000.0)));
+        plan(operation, answersSoon, SimulatedOutcome::succeeds(delay));
         return;
     case 4:
-        operation.always(SimulatedOutcome::fails(error, Seconds(step.b % 300 / 1000.0)));
+        plan(operation, failsSoon, SimulatedOutcome::fails(error, delay));
         return;
     default:
-        operation.always(SimulatedOutcome::succeeds(Seconds(2.0)));
+        plan(operation, answersLate, SimulatedOutcome::succeeds(Seconds(2.0)));
         return;
     }
 }
@@ -105,10 +152,10 @@ void World::applyToServices(const Step& step) {
         planOperation(step);
         return;
     case StepKind::releaseOperations:
-        for (auto* const operation : operations()) {
-            operation->always(SimulatedOutcome::succeeds());
-            if (operation->heldCount() > 0)
-                operation->release();
+        for (auto& each : m_operations) {
+            plan(each, answers, SimulatedOutcome::succeeds());
+            if (each.operation->heldCount() > 0)
+                each.operation->release();
         }
         return;
     case StepKind::endStreams:

@@ -57,12 +57,25 @@ private:
     void check();
     void note(std::optional<Failure> failure);
 
-    [[nodiscard]] std::vector<SimulatedOperation*> operations();
+    struct PlannedOperation {
+        SimulatedOperation* operation;
+        const char* name;
+        /// Nothing can come between the call and the answer.
+        bool answersAtOnce = false;
+        const char* plan = "";
+        int callsBeforePlan = 0;
+    };
+    [[nodiscard]] std::vector<PlannedOperation> makeOperations();
+    /// Counts the calls that met the plan that ends now.
+    static void countCalls(PlannedOperation& operation);
+    static void plan(PlannedOperation& operation, const char* name, SimulatedOutcome outcome);
+
     [[nodiscard]] std::vector<WindowID> foreignWindows() const;
     [[nodiscard]] Point somePointOnADisplay(const Step& step) const;
 
     SimulatedMainLoop m_loop;
     SimulatedDesktop m_desktop{m_loop};
+    std::vector<PlannedOperation> m_operations = makeOperations();
     std::vector<ProcessID> m_applications;
     /// Windows that have been closed, for one to come back under its number.
     std::vector<SimulatedWindow> m_closedWindows;
