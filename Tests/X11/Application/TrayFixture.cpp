@@ -43,6 +43,11 @@ bool TrayFixture::clickIcon(std::uint8_t button) {
     });
 }
 
+xcb_rectangle_t TrayFixture::iconPlace() const {
+    return {static_cast<std::int16_t>(m_iconX - traySide / 2),
+            static_cast<std::int16_t>(m_iconY - traySide / 2), traySide, traySide};
+}
+
 void TrayFixture::closeOutput() {
     xcb_client_message_event_t message{};
     message.response_type = XCB_CLIENT_MESSAGE;

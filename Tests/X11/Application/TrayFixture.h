@@ -23,6 +23,9 @@ protected:
     /// The pointer is on the icon from then on.
     void pointAtIcon();
 
+    /// Root pixels.
+    [[nodiscard]] xcb_rectangle_t iconPlace() const;
+
     /// As the window manager's button does.
     void closeOutput();
     [[nodiscard]] bool isOutputSeen();

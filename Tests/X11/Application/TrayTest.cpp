@@ -1,5 +1,9 @@
+#include "Tests/Support/PixelReader/PixelReader.h"
 #include "Tests/Support/Processes/Waiting.h"
 #include "Tests/X11/Application/TrayFixture.h"
+
+#include <algorithm>
+#include <iterator>
 
 namespace kestrove::test {
 namespace {
@@ -23,6 +27,26 @@ TEST_F(Tray, KeepsTheProgramWhenTheOutputIsClosedAndBringsItBack) {
     ASSERT_TRUE(clickIcon(rightButton)) << program().logTail();
     chooseFromMenuEnd(5); // before the hiding, the settings, the policy and the end
     EXPECT_TRUE(waitUntil([this] { return isOutputSeen(); }));
+}
+
+TEST_F(Tray, IsInThePictureOfItsDisplay) {
+    start(sharing);
+    placeOutput({700, 60, leftPlace.width, leftPlace.height});
+    server.movePointer(300, 300); // the output shows it too
+    auto place = iconPlace();
+    constexpr int frame = 8; // around the display, on the screen only
+    place.x += frame;
+    place.y += frame;
+    place.width -= 2 * frame;
+    place.height -= 2 * frame;
+    const auto isSeen = [&] {
+        const auto screen = readPixels(desktop.connection(), desktop.root(), place);
+        const auto inOutput = readPixels(desktop.connection(), window(), place);
+        const auto isPlain =
+            std::ranges::count(screen.pixels, screen.pixels.front()) == std::ssize(screen.pixels);
+        return !isPlain && areAlike(inOutput, screen, 0);
+    };
+    EXPECT_TRUE(waitUntil(isSeen)) << program().logTail();
 }
 
 TEST_F(Tray, QuitsByItsMenu) {
