@@ -261,6 +261,11 @@ void World::calmDown() {
     run(Seconds(1));
     m_desktop.movePointer(somePointOnADisplay({.a = 1, .b = 99}));
     run(Seconds(1));
+    // Windows that move by themselves are not followed, only the focus is.
+    m_desktop.activateApplication({});
+    if (!m_applications.empty())
+        m_desktop.activateApplication(m_applications.front());
+    run(Seconds(1));
     note(m_checkers->whileSharing());
     m_program->controller().stop();
     run(Seconds(1));

@@ -67,6 +67,7 @@ private:
     [[nodiscard]] std::optional<Failure> checkPicker() const;
     [[nodiscard]] std::optional<Failure> checkInterruptionIsOver() const;
     [[nodiscard]] std::optional<Failure> checkFollowed() const;
+    [[nodiscard]] std::optional<CaptureSource> displayOfFocus() const;
 
     SimulatedDesktop& m_desktop;
     Program& m_program;

@@ -2,6 +2,7 @@
 #include "Tests/Simulation/Checkers/Checkers.h"
 #include "Tests/Simulation/Checkers/Names.h"
 
+#include <algorithm>
 #include <fmt/format.h>
 
 namespace kestrove::simulation {
@@ -103,6 +104,36 @@ std::optional<Failure> Checkers::checkLists() const {
     return {};
 }
 
+/// Where the largest window of the application in front is; absent while it has none, or several
+/// of that size, or the place is at an edge.
+std::optional<CaptureSource> Checkers::displayOfFocus() const {
+    constexpr double smallest = 100; // of a window that says where the user works
+    const SimulatedWindow* largest = nullptr;
+    bool isOnlyOne = false;
+    const auto area = [](const auto& window) { return window.frame.width * window.frame.height; };
+    for (const auto& window : m_desktop.windows()) {
+        if (window.processID != m_desktop.activeApplication() || !window.isOnScreen ||
+            window.frame.width <= smallest || window.frame.height <= smallest)
+            continue;
+        if (!largest || area(window) > area(*largest)) {
+            largest = &window;
+            isOnlyOne = true;
+        } else if (area(window) == area(*largest)) {
+            isOnlyOne = false;
+        }
+    }
+    if (!largest || !isOnlyOne)
+        return {};
+    const auto place = m_desktop.flipped(largest->frame.center());
+    for (const auto& display : m_desktop.displays()) {
+        const Rect inside{display.frame.x + 1, display.frame.y + 1, display.frame.width - 2,
+                          display.frame.height - 2};
+        if (inside.contains(place))
+            return CaptureSource::display(display.displayID);
+    }
+    return {};
+}
+
 std::optional<Failure> Checkers::checkFollowed() const {
     const auto& settings = m_program.settings();
     const auto active = m_program.controller().activeSource().get();
@@ -111,12 +142,18 @@ std::optional<Failure> Checkers::checkFollowed() const {
         for (const auto& display : m_desktop.displays())
             if (display.frame.contains(m_desktop.pointer()))
                 wanted = CaptureSource::display(display.displayID);
-    } else if (settings.followMode.get() == FollowMode::manual) {
+    } else if (settings.followMode.get() == FollowMode::focusedApp) {
+        wanted = displayOfFocus();
+    } else {
         const auto& picked = settings.manualSources.get();
         if (picked.size() == 1)
             wanted = picked.front();
         else if (active && std::ranges::find(picked, *active) == picked.end())
             return Failure{"by hand, only what was picked is shown", nameOf(active)};
+        else if (!active && std::ranges::any_of(picked, [this](auto source) {
+                     return canBeCaptured(m_desktop, source);
+                 }))
+            return Failure{"by hand, one of the picks that are there is shown", ""};
     }
     if (wanted && canBeCaptured(m_desktop, *wanted) && active != wanted)
         return Failure{"the source that the follow mode asks for",

@@ -19,6 +19,7 @@ ENGINE = "Core/CaptureEngine/"
 SHORTCUTS = "Core/GlobalShortcuts/GlobalShortcuts.cpp"
 COORDINATOR = CONTROLLER + "ShortcutSettingsCoordinator.cpp"
 VISIBILITY = "Core/SourceLister/SourceVisibilityCoordinator.cpp"
+TRACKER = "Core/ActiveDisplayTracker/ActiveDisplayTracker.cpp"
 
 MUTATIONS = [
     # The controller.
@@ -119,4 +120,11 @@ MUTATIONS = [
     Mutation("unregistered-stays-known", SHORTCUTS,
              "        m_registrations.erase(action);\n        unregistered.insert(action);",
              "        unregistered.insert(action);"),
+    # The display that the focus is on.
+    Mutation("focus-is-not-followed", TRACKER,
+             "            [scheduleRecompute](const RunningApplication&) { scheduleRecompute(); });",
+             "            [](const RunningApplication&) {});"),
+    Mutation("focus-is-where-the-smallest-window-is", TRACKER,
+             "bounds.width * bounds.height > largest->width * largest->height",
+             "bounds.width * bounds.height < largest->width * largest->height"),
 ]
