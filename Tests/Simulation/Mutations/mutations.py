@@ -110,6 +110,10 @@ MUTATIONS = [
              "        m_appliedBindings = bindings;\n",
              "    m_appliedBindings = bindings;\n"
              "    if (m_globalShortcuts.install(m_handlers, bindings)) {\n"),
+    Mutation("edit-is-not-saved", COORDINATOR,
+             "        m_appliedBindings = bindings;\n"
+             "        m_settings.persistShortcutBindings(bindings);\n",
+             "        m_appliedBindings = bindings;\n"),
     # The registry.
     Mutation("half-a-set-stays-registered", SHORTCUTS,
              "    removeFresh(fresh, failures);\n", ""),
