@@ -132,11 +132,17 @@ class Desktop:
         self.start("openbox", "--sm-disable", "--startup", f"touch {ready}")
         wait_until(ready.exists, "the window manager")
 
-    def find_window(self, title):
-        """The identifier of the visible window of exactly this title; None when there is none."""
-        found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", f"^{title}$"],
+    def find_windows(self, *criterion):
+        """The identifiers of the visible windows that xdotool finds by it."""
+        found = subprocess.run(["xdotool", "search", "--onlyvisible", *criterion],
                                check=False, env=self.environment, capture_output=True, text=True)
-        return found.stdout.split()[-1] if found.stdout.split() else None
+        return found.stdout.split()
+
+    def find_window(self, title):
+        """The identifier of the visible window of this title, in small or capital letters; None
+        when there is none."""
+        found = self.find_windows("--name", f"^{title}$")
+        return found[-1] if found else None
 
     def windows(self):
         """The identifiers of all managed windows, oldest first."""

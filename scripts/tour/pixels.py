@@ -85,6 +85,18 @@ def differing_pixels(first, second, holes=()):
     return count
 
 
+def differing_box(first, second):
+    """x, y, width, height of the smallest rectangle outside of which two pictures of one size are
+    equal; None when they are equal."""
+    rows = [y for y in range(first.height) if first.row(y) != second.row(y)]
+    columns = [x for y in rows for x in range(first.width)
+               if first.row(y)[4 * x: 4 * x + 4] != second.row(y)[4 * x: 4 * x + 4]]
+    if not columns:
+        return None
+    left, top = min(columns), rows[0]
+    return left, top, max(columns) + 1 - left, rows[-1] + 1 - top
+
+
 def _bilinear(source, x, y):
     """The colour at a point between pixel centres, as X's bilinear filter defines it."""
     x, y = max(0.0, x - 0.5), max(0.0, y - 0.5)

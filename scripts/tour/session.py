@@ -24,6 +24,7 @@ class Session:
         self.pointer = (0, 0)
         self.moving = {"LEFT": [], "RIGHT": []}  # process identifiers
         self.terminals = {}
+        self.clock = None
         self.kestrove = None
         self.window = None
         self.menu = None  # the screen as it was when an entry was chosen
@@ -31,18 +32,23 @@ class Session:
     # Programs.
 
     def start_programs(self):
-        self._start_terminal("LEFT", "display 1", "72x24+330+60")
-        self._start_terminal("RIGHT", "display 2", "80x30+1480+120")
+        self.start_terminals()
         # Never covered, so it may be held whole.
-        clock = self.desktop.start("xclock", "-update", "1", "-geometry", "220x220+50+60")
-        self.moving["LEFT"].append(clock.pid)
+        self.clock = self.desktop.start("xclock", "-update", "1", "-geometry", "220x220+50+60")
+        self.moving["LEFT"].append(self.clock.pid)
         self.desktop.start("xeyes", "-geometry", "220x150+50+360")
         self.desktop.start("xlogo", "-geometry", "300x300+2480+560")
         for name in ("display 1", "display 2", "xclock", "xeyes", "xlogo"):
             wait_until(lambda name=name: self.desktop.find_window(name), f"the window {name}")
 
+    def start_terminals(self):
+        """One on each display."""
+        self._start_terminal("LEFT", "display 1", "72x24+330+60")
+        self._start_terminal("RIGHT", "display 2", "80x30+1480+120")
+
     def _start_terminal(self, display, title, place):
         file = self.desktop.home / f"{title}.pid"
+        file.unlink(missing_ok=True)  # of one that has ended
         terminal = self.desktop.start(
             "xterm", "-title", title, "-fa", "DejaVu Sans Mono", "-fs", "11", "-bg", "#10202c",
             "-fg", "#d8e6ee", "-geometry", place, "-e", "sh", "-c",
@@ -57,6 +63,18 @@ class Session:
         self.moving[display].pop(0)  # the number may be another program's soon
         self.desktop.end(terminal)
         wait_until(lambda: not self.desktop.find_window(title), "the terminal to go")
+
+    def close_terminal(self, title):
+        """As its user does, who works in it."""
+        _, display = self.terminals.pop(title)
+        self.thaw(display)
+        self.moving[display].pop()
+        self.desktop.run("xdotool", "key", "alt+F4")
+        wait_until(lambda: not self.desktop.find_window(title), "the terminal to close")
+
+    def end_clock(self):
+        self.moving["LEFT"].remove(self.clock.pid)
+        self.desktop.end(self.clock)
 
     def freeze(self, *displays):
         """Stops what moves there, and returns when the picture has come to rest."""

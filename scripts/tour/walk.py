@@ -3,6 +3,7 @@ with what the display shows, on one picture of the screen, while nothing moves."
 
 import time
 
+import panel
 import pixels
 from desktop import DISPLAYS, FRAMEBUFFER, wait_until
 
@@ -10,15 +11,18 @@ from desktop import DISPLAYS, FRAMEBUFFER, wait_until
 FULL = (1320, 40, 1280, 800)
 # And on display 1: half of it.
 HALF = (560, 320, 640, 400)
-# Where the output covers nothing of what is compared: a corner of display 1.
+# Where the output covers nothing of what is compared: a corner of display 1, and of display 2.
 AWAY = (20, 20)
+ASIDE = (2215, 40)
 SETTLES_WITHIN = 5.0
+PICKER = "kestrove — ソース選択"
 
 
 class Walk:
     def __init__(self, session, report):
         self.session = session
         self.report = report
+        self.panel = panel.Panel(session)
 
     # What was seen.
 
@@ -103,6 +107,12 @@ class Walk:
         self.start_again()
         self.hide_and_show()
         self.open_picker()
+        self.open_panel()
+        self.stop_and_start_in_panel()
+        self.tick_two_windows()
+        self.turn_to_another_window()
+        self.close_a_shared_window()
+        self.quit()
 
     def _before_kestrove(self):
         """Display 2 as it is without the output window; it stays so until the pointer has been
@@ -278,13 +288,111 @@ class Walk:
 
     def open_picker(self):
         session = self.session
-        title = "kestrove — ソース選択"
         session.desktop.run("xdotool", "key", "ctrl+super+p")
-        wait_until(lambda: session.desktop.find_window(title), "the picker")
+        wait_until(lambda: session.desktop.find_window(PICKER), "the picker")
         session.wait_for_rest(1.0)
         self.report.picture("picker", session.screen())
         session.desktop.run("xdotool", "key", "Escape")
-        wait_until(lambda: not session.desktop.find_window(title), "the picker to go")
+        wait_until(lambda: not session.desktop.find_window(PICKER), "the picker to go")
         passed, seen, screen = self._equals("LEFT")
         self.report.stop("picker", "open the picker by its hot key, and close it", seen, passed,
                          screen)
+
+    def _equals_without_panel(self):
+        """The panel is on the display, and not in what the others see."""
+        left, top, _, _ = DISPLAYS["LEFT"]
+        x, y, width, height = self.panel.place()
+        place = x - left, y - top, width, height
+
+        def matches(screen):
+            output, source = self.session.output(screen), self.session.display("LEFT", screen)
+            holes = [self.session.pointer_hole("LEFT", (output.width, output.height)),
+                     *pixels.frame_holes(output.width, output.height)]
+            count = pixels.differing_pixels(output, source, [place, *holes])
+            hidden = pixels.differing_pixels(output.cut(*place), source.cut(*place))
+            return count == 0 and 2 * hidden > width * height, (
+                f"{output.width}x{output.height}, {count} pixels differ beside the panel of "
+                f"{width}x{height}, {hidden} where it lies")
+        return self._settled(matches)
+
+    def open_panel(self):
+        self.panel.start_tray()
+        self.panel.open()
+        passed, seen, screen = self._equals_without_panel()
+        self.report.stop("panel", "click the icon in the tray, which opens the panel", seen, passed,
+                         screen)
+
+    def stop_and_start_in_panel(self):
+        self.panel.click(panel.SESSION)
+        stopped, said, screen = self._settled(self._is_placeholder)
+        self.report.picture("stopped-in-panel", screen)
+        self.session.desktop.run("xdotool", "click", "1")
+        wait_until(lambda: not self._is_placeholder(self.session.screen())[0], "the start")
+        self.session.place_output(*FULL)
+        passed, seen, screen = self._equals_without_panel()
+        self.report.stop("start-in-panel", "stop and start by clicks in the panel",
+                         f"{said}, then {seen}", stopped and passed, screen)
+
+    def tick_two_windows(self):
+        """In the picker, which the panel opens and goes. The terminals, started anew, are the last
+        two; the clock, which is held, could not draw itself anew where the picker covers it."""
+        session = self.session
+        session.desktop.run("xdotool", "key", "Escape")
+        wait_until(lambda: not self.panel.find(), "the panel to go")
+        session.end_clock()
+        session.start_terminals()
+        for title in session.terminals:
+            wait_until(lambda each=title: session.desktop.find_window(each), f"the window {title}")
+        session.freeze("LEFT", "RIGHT")
+        self.panel.open()
+        self.panel.click(panel.PICKER)
+        wait_until(lambda: session.desktop.find_window(PICKER), "the picker")
+        wait_until(lambda: not self.panel.find(), "the panel to go")
+        session.wait_for_rest(1.0)
+        for key in ("End", "space", "Left", "space"):
+            session.desktop.run("xdotool", "key", key)
+            session.wait_for_rest(1.0)
+        self.report.picture("picker", session.screen())
+        session.desktop.run("xdotool", "key", "Escape")
+        wait_until(lambda: not session.desktop.find_window(PICKER), "the picker to go")
+        self._turn_to("display 2")
+        self._see_window("display 2", AWAY, "tick-two-windows",
+                         "open the picker from the panel, tick both terminals, turn to one")
+
+    def turn_to_another_window(self):
+        self._turn_to("display 1")
+        self._see_window("display 1", ASIDE, "turn-to-another-window", "turn to the other one")
+
+    def close_a_shared_window(self):
+        self._turn_to("display 1")
+        self.session.close_terminal("display 1")
+        self._see_window("display 2", AWAY, "close-a-shared-window",
+                         "close that one, the other is still ticked")
+
+    def _turn_to(self, title):
+        desktop = self.session.desktop
+        desktop.run("xdotool", "windowactivate", "--sync", desktop.find_window(title))
+
+    def _see_window(self, title, place, name, done):
+        """In the output, put to this place of the screen with the window's own size, over all."""
+        content = self.session.content(title)
+        wait_until(lambda: self._has_proportions(content), "the output's new proportions")
+        self.session.place_output(*place, content.width, content.height)
+        self.session.desktop.run("xdotool", "windowraise", self.session.window)
+        passed, seen, screen = self._equals_window(title)
+        self.report.stop(name, done, seen, passed, screen)
+
+    def quit(self):
+        session = self.session
+        self.panel.open()
+        self.report.picture("quit", session.screen())
+        self.panel.click(panel.QUIT)
+        wait_until(lambda: session.kestrove.poll() is not None, "the program to end")
+        code = session.kestrove.returncode
+        left = [each for each in ("kestrove", PICKER) if session.desktop.find_window(each)]
+        screen = session.screen()
+        framed = pixels.is_framed(session.content("display 2", screen))
+        self.report.stop("quit", "click the icon again, and quit in the panel",
+                         f"exit code {code}, {len(left)} windows left"
+                         f"{', frame LEFT' if framed else ''}",
+                         code == 0 and not left and not framed, screen)
