@@ -74,6 +74,9 @@ MUTATIONS = [
     Mutation("lists-never-forget", CONTROLLER + "Availability.cpp",
              "        return retaining.contains(info.source) && !listed.contains(info.source);",
              "        return !listed.contains(info.source);"),
+    Mutation("ended-picks-stay", CONTROLLER + "Availability.cpp",
+             "    m_with.settings.removeManualSources({terminated.begin(), terminated.end()});\n",
+             ""),
     Mutation("mode-change-leaves-the-source", CONTROLLER + "Following.cpp",
              "    if (isSessionActive())\n        applyManualSources("
              "m_with.settings.manualSources.get());\n", ""),
