@@ -104,10 +104,7 @@ MUTATIONS = [
     Mutation("taking-back-is-taken-for-an-edit", COORDINATOR,
              "    if (m_isRestoring)\n        return;\n", ""),
     Mutation("refused-edit-is-left", COORDINATOR,
-             "        if (m_appliedBindings == inForce)\n            writeBack(inForce);\n", ""),
-    Mutation("taking-back-what-has-come-into-force", COORDINATOR,
-             "        if (m_appliedBindings == inForce)\n            writeBack(inForce);\n",
-             "        writeBack(inForce);\n"),
+             "    m_tasks.post([this, inForce = m_appliedBindings] { writeBack(inForce); });\n", ""),
     Mutation("edit-is-saved-untried", COORDINATOR,
              "    if (m_globalShortcuts.install(m_handlers, bindings)) {\n"
              "        m_appliedBindings = bindings;\n",
@@ -129,8 +126,8 @@ MUTATIONS = [
              "        unregistered.insert(action);"),
     # The display that the focus is on.
     Mutation("focus-is-not-followed", TRACKER,
-             "            [scheduleRecompute](const RunningApplication&) { scheduleRecompute(); });",
-             "            [](const RunningApplication&) {});"),
+             "[scheduleRecompute](const RunningApplication&) { scheduleRecompute(); });",
+             "[](const RunningApplication&) {});"),
     Mutation("focus-is-where-the-smallest-window-is", TRACKER,
              "bounds.width * bounds.height > largest->width * largest->height",
              "bounds.width * bounds.height < largest->width * largest->height"),
