@@ -20,6 +20,7 @@ inline constexpr xcb_keycode_t tab = 23;
 inline constexpr xcb_keycode_t returnKey = 36;
 inline constexpr xcb_keycode_t escape = 9;
 inline constexpr xcb_keycode_t space = 65;
+inline constexpr xcb_keycode_t q = 24;
 inline constexpr xcb_keycode_t s = 39;
 inline constexpr xcb_keycode_t d = 40;
 inline constexpr xcb_keycode_t f = 41;

@@ -1,4 +1,5 @@
 #include "Tests/Support/Processes/Waiting.h"
+#include "Tests/Support/XServer/KeyPresses.h"
 #include "Tests/X11/Application/ApplicationFixture.h"
 
 namespace kestrove::test {
@@ -55,6 +56,17 @@ TEST_P(Controls, KeepSharingWhenTheMenuIsLeftByEscape) {
 TEST_P(Controls, QuitByTheMenu) {
     openMenuByKey();
     chooseFromMenuEnd(1);
+    EXPECT_TRUE(endsWith(0));
+}
+
+TEST_P(Controls, StartByTheCommandMenuAndQuitByKey) {
+    ASSERT_TRUE(showsPlaceholder("idle"));
+    press(Key::f10);
+    ASSERT_TRUE(waitUntil([this] { return isMenuOpen(); }));
+    server.press(Key::returnKey); // its first entry is chosen from the start
+    ASSERT_TRUE(shows(right, "started"));
+    ASSERT_TRUE(waitUntil([this] { return !isMenuOpen() && hasFocus(); }));
+    pressTogether(desktop.connection(), {ServerKey::control, ServerKey::q});
     EXPECT_TRUE(endsWith(0));
 }
 
