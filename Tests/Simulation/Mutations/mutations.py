@@ -104,7 +104,8 @@ MUTATIONS = [
     Mutation("taking-back-is-taken-for-an-edit", COORDINATOR,
              "    if (m_isRestoring)\n        return;\n", ""),
     Mutation("refused-edit-is-left", COORDINATOR,
-             "    m_tasks.post([this, inForce = m_appliedBindings] { writeBack(inForce); });\n", ""),
+             "    m_tasks.post([this, inForce = m_appliedBindings] { writeBack(inForce); });\n",
+             ""),
     Mutation("edit-is-saved-untried", COORDINATOR,
              "    if (m_globalShortcuts.install(m_handlers, bindings)) {\n"
              "        m_appliedBindings = bindings;\n",
