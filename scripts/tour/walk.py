@@ -316,6 +316,8 @@ class Walk:
         return self._settled(matches)
 
     def open_panel(self):
+        # Held, it could not draw itself anew where the panel covers it.
+        self.session.end_clock()
         self.panel.start_tray()
         self.panel.open()
         passed, seen, screen = self._equals_without_panel()
@@ -335,11 +337,10 @@ class Walk:
 
     def tick_two_windows(self):
         """In the picker, which the panel opens and goes. The terminals, started anew, are the last
-        two; the clock, which is held, could not draw itself anew where the picker covers it."""
+        two."""
         session = self.session
         session.desktop.run("xdotool", "key", "Escape")
         wait_until(lambda: not self.panel.find(), "the panel to go")
-        session.end_clock()
         session.start_terminals()
         for title in session.terminals:
             wait_until(lambda each=title: session.desktop.find_window(each), f"the window {title}")
