@@ -161,6 +161,8 @@ TEST_P(Parking, KeepsItsLevelThroughIt) {
 TEST_P(Parking, IsThereFromTheStartWhenTheWindowWasLeftHidden) {
     share(onlyDisplay("RIGHT") + "kestrove.hideOutputWindow=true\n");
     EXPECT_TRUE(waitUntil([this] { return isParked(); }));
+    // Mutter never shows what is painted just when it begins to show a window.
+    EXPECT_TRUE(presents(right, "at first"));
     EXPECT_TRUE(isLive(right, "parked"));
     tell("unhide");
     EXPECT_TRUE(waitUntil([this] { return isOutputViewable() && !isParked(); }));
