@@ -11,6 +11,8 @@ namespace kestrove {
 std::size_t runModalAlert(const WarningAlert& alert) {
     QMessageBox box;
     box.setIcon(QMessageBox::Warning);
+    // Else it were the program's identifier. The output window alone is called "kestrove".
+    box.setWindowTitle(QStringLiteral("Kestrove"));
     box.setText(QString::fromStdString(alert.messageText));
     box.setInformativeText(QString::fromStdString(alert.informativeText));
     // The output window may be above all others itself.

@@ -23,6 +23,7 @@ TEST(RunModalAlert, ShowsTheTextsAndButtonsOfThePermissionAlert) {
     const auto alert = permissionAlert(ScreenRecordingPermission::denied);
     const auto index = answer(alert, [&](QMessageBox& box) {
         EXPECT_EQ(box.icon(), QMessageBox::Warning);
+        EXPECT_EQ(box.windowTitle().toStdString(), "Kestrove");
         EXPECT_EQ(box.text().toStdString(), "画面収録の許可が必要です");
         EXPECT_EQ(box.informativeText().toStdString(),
                   "kestrove は画面を取り込んで共有ウィンドウとして表示します。\n"
