@@ -159,11 +159,21 @@ void Connection::onError(xcb_void_cookie_t request, std::function<void()> failed
 void Connection::drainSoon() {
     if (m_isDrainQueued)
         return;
+    const bool hasNews = hasReadAhead() || xcb_connection_has_error(m_connection.get()) != 0;
+    // A reply may have been read, too.
+    if (hasNews || !m_awaitedReplies.empty())
+        queueDrain();
+}
+
+bool Connection::hasReadAhead() {
     if (Reply<xcb_generic_event_t> event{xcb_poll_for_queued_event(m_connection.get())})
         m_readAhead.push_back(std::move(event));
-    else if (xcb_connection_has_error(m_connection.get()) == 0 && m_awaitedReplies.empty())
+    return !m_readAhead.empty();
+}
+
+void Connection::queueDrain() {
+    if (std::exchange(m_isDrainQueued, true))
         return;
-    m_isDrainQueued = true;
     m_tasks.post([this] {
         m_isDrainQueued = false;
         drain();
@@ -195,7 +205,11 @@ void Connection::takeReplies() {
         void* reply = nullptr;
         xcb_generic_error_t* error = nullptr;
         const auto sequence = m_awaitedReplies.front().sequence;
-        if (xcb_poll_for_reply(m_connection.get(), sequence, &reply, &error) == 0)
+        const bool isThere = xcb_poll_for_reply(m_connection.get(), sequence, &reply, &error) != 0;
+        // Looking for it reads what the server has sent, and the descriptor is silent then.
+        if (hasReadAhead())
+            queueDrain();
+        if (!isThere)
             return;
         std::free(error);
         const auto answered = std::move(m_awaitedReplies.front().answered);

@@ -134,6 +134,9 @@ private:
     std::expected<Extensions, PlatformError> queryExtensions(xcb_connection_t* connection);
     void drain();
     void drainSoon();
+    /// Whether there are events that the descriptor will not tell of.
+    [[nodiscard]] bool hasReadAhead();
+    void queueDrain();
     void takeReplies();
     Reply<xcb_generic_event_t> nextEvent();
     void dispatch(const xcb_generic_event_t& event);
