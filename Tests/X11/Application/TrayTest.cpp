@@ -3,6 +3,7 @@
 #include "Tests/X11/Application/TrayFixture.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <iterator>
 
 namespace kestrove::test {
@@ -30,9 +31,17 @@ TEST_F(Tray, KeepsTheProgramWhenTheOutputIsClosedAndBringsItBack) {
 }
 
 TEST_F(Tray, IsInThePictureOfItsDisplay) {
+    server.movePointer(1000, 300);
     start(sharing);
-    placeOutput({700, 60, leftPlace.width, leftPlace.height});
+    ASSERT_TRUE(shows(right, "at first"));
     server.movePointer(300, 300); // the output shows it too
+    // It takes the shape of the display first.
+    ASSERT_TRUE(waitUntil([this] {
+        const auto now = outputPlace();
+        return std::abs(now.width * leftPlace.height - now.height * leftPlace.width) <=
+               leftPlace.width;
+    }));
+    placeOutput({700, 60, leftPlace.width, leftPlace.height});
     auto place = iconPlace();
     constexpr int frame = 8; // around the display, on the screen only
     place.x += frame;
