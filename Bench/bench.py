@@ -47,8 +47,8 @@ def measure_bare(scene, tools, logs, seconds):
 
 def measure_use(pipeline, scene, tools, logs, seconds, bare):
     with open_desktop(scene, logs) as desktop:
-        scene.start(desktop, tools)
-        process, window = pipeline.start(desktop, scene)
+        source = scene.start(desktop, tools)
+        process, window = pipeline.start(desktop, scene, source)
         time.sleep(SETTLING)
         used = Interval(client=process.pid, server=server_of(desktop)).run(seconds)
         server = used["server"] - bare[0]
@@ -62,17 +62,19 @@ def measure_use(pipeline, scene, tools, logs, seconds, bare):
 def measure_latency(pipeline, scene, tools, logs):
     """Milliseconds from a change on the display to the same change in the output."""
     with open_desktop(scene, logs) as desktop:
-        x, y, width, height = scene.source
+        x, y, width, height = scene.displays["LEFT"]
         with subprocess.Popen(
                 [tools / "kestrove-bench-latency", str(x), str(y), str(width), str(height),
                  str(LATENCY_ROUNDS)],
                 env=desktop.environment, text=True, stdin=subprocess.PIPE,
                 stdout=subprocess.PIPE) as probe:
             probe.stdout.readline()
-            _, window = pipeline.start(desktop, scene)
+            source = scene.find_source(desktop)
+            _, window = pipeline.start(desktop, scene, source)
             time.sleep(SETTLING)
             # The middle of the mark, which lies in the source's corner.
-            across, down = scene.output[0] / width, scene.output[1] / height
+            output = scene.size(source)
+            across, down = output[0] / width, output[1] / height
             probe.stdin.write(f"{int(window, 0)} {int(32 * across)} {int(32 * down)}\n")
             probe.stdin.flush()
             rounds = [float(line) for line in probe.stdout]
@@ -111,7 +113,8 @@ def main():
     with tempfile.TemporaryDirectory(prefix="kestrove-bench-") as logs:
         for scene in scenes:
             bare = measure_bare(scene, tools, logs, options.seconds)
-            for pipeline in [each for each in pipelines if each.is_installed()]:
+            for pipeline in [each for each in pipelines
+                             if each.is_installed() and each.can_mirror(scene)]:
                 row = measure(pipeline, scene, tools, logs, options, bare)
                 results.append(row)
                 print(f"  {scene.name}: {row['pipeline']}: {100 * row['cpu']:.1f} % CPU",

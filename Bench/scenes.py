@@ -1,4 +1,4 @@
-"""What is mirrored: each scene fills or lies on the display LEFT; every output is on RIGHT."""
+"""What is mirrored: the display LEFT, or a window on it; every output is on RIGHT."""
 
 import dataclasses
 import pathlib
@@ -9,37 +9,52 @@ from desktop import wait_until
 FULL_HD = {"LEFT": (0, 0, 1920, 1080), "RIGHT": (1920, 0, 2080, 1240)}
 UHD = {"LEFT": (0, 0, 3840, 2160), "RIGHT": (3840, 0, 2080, 1240)}
 
+TITLE = "bench scene"  # of the window in which something moves
 TEXT = ("n=0; while :; do n=$((n + 1)); printf "
         "'%6d  the quick brown fox jumps over the lazy dog\\n' $n; sleep 0.05; done")
+
+
+@dataclasses.dataclass(frozen=True)
+class Source:
+    """What of a scene is mirrored."""
+    place: tuple  # x, y, width, height in root pixels
+    window: str = None  # its identifier; none: the display is
 
 
 @dataclasses.dataclass(frozen=True)
 class Scene:
     name: str
     displays: dict
-    output: tuple  # width, height in pixels
+    output: tuple  # width, height in pixels; none: as the source
     rate: int  # frames a second, at most
     program: tuple = ()  # arguments of the scene program; none: nothing moves
     terminal: bool = False
     target: float = 0  # our CPU to that of the best other, at most; 0: none is set
     output_on_source: bool = False
-
-    @property
-    def source(self):
-        """x, y, width, height in root pixels."""
-        return self.displays["LEFT"]
+    of_window: bool = False  # else of the display
 
     def start(self, desktop, tools):
-        """Returns when it is on the screen."""
+        """Returns what is to be mirrored, when it is on the screen."""
+        x, y, _, _ = self.displays["LEFT"]
         if self.terminal:
-            x, y, _, _ = self.source
             desktop.start("xterm", "-fa", "DejaVu Sans Mono", "-fs", "12", "-geometry",
-                          f"150x50+{x + 20}+{y + 20}", "-title", "bench scene", "-e", "sh", "-c",
+                          f"150x50+{x + 20}+{y + 20}", "-title", TITLE, "-e", "sh", "-c",
                           TEXT)
         elif self.program:
             desktop.start(str(tools / "kestrove-bench-scene"), *map(str, self.program))
         if self.terminal or self.program[:1] not in ((), ("pointer",)):
-            wait_until(lambda: desktop.find_window("bench scene"), "the scene")
+            wait_until(lambda: desktop.find_window(TITLE), "the scene")
+        return self.find_source(desktop)
+
+    def find_source(self, desktop):
+        if not self.of_window:
+            return Source(self.displays["LEFT"])
+        window = desktop.find_window(TITLE)
+        return Source(desktop.geometry(window), window)
+
+    def size(self, source):
+        """Of the output, in pixels."""
+        return self.output or source.place[2:]
 
 
 def _on(displays, *, inset=0):
@@ -48,6 +63,12 @@ def _on(displays, *, inset=0):
 
 
 SCENES = [
+    Scene("window 1920x1080, moving block at 60", FULL_HD, None, 60,
+          ("block", *_on(FULL_HD), 60), target=1 / 10, of_window=True),
+    Scene("window 1280x720, video at 30", FULL_HD, None, 30,
+          ("video", 200, 100, 1280, 720, 30), target=1 / 3, of_window=True),
+    Scene("window of a terminal, scrolling text", FULL_HD, None, 30, terminal=True, target=1 / 5,
+          of_window=True),
     Scene("moving block, 1920x1080 at 60, 1:1", FULL_HD, (1920, 1080), 60,
           ("block", *_on(FULL_HD), 60), target=1 / 10),
     Scene("video, 1280x720 at 30 in 1920x1080, 1:1", FULL_HD, (1920, 1080), 30,

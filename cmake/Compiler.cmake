@@ -6,7 +6,9 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 
 find_program(KESTROVE_CCACHE ccache)
 if(KESTROVE_CCACHE)
-    set(CMAKE_CXX_COMPILER_LAUNCHER ${KESTROVE_CCACHE})
+    # What one clone has compiled is of use in the next, wherever that is.
+    set(CMAKE_CXX_COMPILER_LAUNCHER env CCACHE_BASEDIR=${PROJECT_SOURCE_DIR}
+        CCACHE_NOHASHDIR=1 ${KESTROVE_CCACHE})
 endif()
 
 find_program(KESTROVE_MOLD mold)

@@ -5,13 +5,12 @@
 #include "Platform/Linux/Session/UserSession.h"
 #include "Platform/Linux/TerminationSignals.h"
 #include "Platform/Linux/ThreadSerialQueue.h"
+#include "Platform/Qt/QtApplicationObject.h"
 #include "Platform/Qt/QtDescriptorWatching.h"
 #include "Platform/Qt/QtMainLoop.h"
 #include "Platform/X11/SingleInstance.h"
 #include "Platform/X11/WindowManagerRequests.h"
 #include "UI/Icons/SymbolIcon.h"
-
-#include <QApplication>
 
 #include <chrono>
 #include <cstdio>
@@ -70,7 +69,7 @@ int main(int argumentCount, char** arguments) {
     // Becomes the class of our windows, by which desktops join them to the application.
     QCoreApplication::setApplicationName(KestroveApp::bundleIdentifier);
     QGuiApplication::setDesktopFileName(KestroveApp::bundleIdentifier);
-    const QApplication qt(argumentCount, arguments);
+    QtApplicationObject qt(argumentCount, arguments);
     QApplication::setQuitOnLastWindowClosed(false);
     // Window managers without icon themes show this one; it is the one that is installed, too.
     QApplication::setWindowIcon(symbolIcon("Kestrove"));
@@ -94,6 +93,7 @@ int main(int argumentCount, char** arguments) {
     const auto inTheLoop = [&app, &loop](void (AppDelegate::*call)()) {
         return [&app, &loop, call] { loop.post([&app, call] { (app.delegate().*call)(); }); };
     };
+    qt.quitRequested = inTheLoop(&AppDelegate::terminate);
     instance.listen(watching, inTheLoop(&AppDelegate::applicationStartedAgain),
                     inTheLoop(&AppDelegate::terminate));
     return QApplication::exec();

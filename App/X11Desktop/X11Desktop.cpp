@@ -36,10 +36,14 @@ X11Desktop::X11Desktop(std::unique_ptr<x11::Connection> connection, DescriptorWa
     , m_pointer(*m_connection, m_monitors, m_motion)
     , m_windowServer(*m_connection, m_monitors)
     , m_workspace(*m_connection, watching, m_applications, session)
+    , m_keptContent(m_connection->loop(), m_monitors, connectionOfQt())
     , m_screenCapture(*m_connection, m_monitors, m_applications, m_motion)
     , m_hotKeys(*m_connection)
     , m_keyTexts(*m_connection)
-    , m_recordingAccess(*m_connection) {}
+    , m_recordingAccess(*m_connection) {
+    m_screenCapture.followStack(
+        [this](x11::WindowStack& stack) { return m_keptContent.follow(stack); });
+}
 
 std::unique_ptr<OverlayWindow> X11Desktop::makeOverlayWindow(double pixelsPerPoint) {
     auto window = std::make_unique<x11::OverlayWindow>(*m_connection, m_monitors, pixelsPerPoint);
@@ -62,11 +66,17 @@ NativeWindowRequests X11Desktop::windowRequests() {
                                                 : x11::Stacking::ordinary);
     };
     requests.activate = [this](NativeViewHandle window) { m_windowManager.activate(window); };
-    requests.keepContent = [this](NativeViewHandle window) { m_windowManager.keepContent(window); };
+    requests.keepContent = [this](NativeViewHandle window) {
+        m_keptContent.keep(static_cast<xcb_window_t>(window));
+    };
     requests.park = [this](NativeViewHandle window, Point origin) {
+        m_keptContent.setParked(true);
         m_parking.park(window, static_cast<int>(origin.x), static_cast<int>(origin.y));
     };
-    requests.unpark = [this](NativeViewHandle window) { m_parking.release(window); };
+    requests.unpark = [this](NativeViewHandle window) {
+        m_parking.release(window);
+        m_keptContent.setParked(false);
+    };
     return requests;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Desktop/OverlayWindow.h"
+#include "Platform/X11/Capture/KeptContent.h"
 #include "Platform/X11/Capture/X11ScreenCapture.h"
 #include "Platform/X11/Connection.h"
 #include "Platform/X11/HotKeys/KeyTexts.h"
@@ -65,6 +66,7 @@ private:
     x11::Pointer m_pointer;
     x11::WindowServer m_windowServer;
     x11::Workspace m_workspace;
+    x11::KeptContent m_keptContent;
     x11::X11ScreenCapture m_screenCapture;
     x11::X11HotKeys m_hotKeys;
     x11::KeyTexts m_keyTexts;

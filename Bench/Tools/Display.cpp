@@ -6,6 +6,9 @@
 #include <cstring>
 #include <memory>
 
+#include <limits.h>
+#include <unistd.h>
+
 namespace kestrove::bench {
 
 namespace {
@@ -44,6 +47,7 @@ xcb_window_t Display::makeWindow(std::string_view title, const xcb_rectangle_t& 
                       XCB_COPY_FROM_PARENT, XCB_CW_BACK_PIXEL | XCB_CW_EVENT_MASK, values.data());
     xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_NAME,
                         XCB_ATOM_STRING, 8, static_cast<std::uint32_t>(title.size()), title.data());
+    sayWhose(window);
     demandExactPlace(window, geometry);
     xcb_map_window(m_connection, window);
     xcb_flush(m_connection);
@@ -52,6 +56,21 @@ xcb_window_t Display::makeWindow(std::string_view title, const xcb_rectangle_t& 
             return window;
     }
     giveUp("the X server has gone");
+}
+
+void Display::sayWhose(xcb_window_t window) const {
+    constexpr std::string_view property = "_NET_WM_PID";
+    const Reply<xcb_intern_atom_reply_t> atom{xcb_intern_atom_reply(
+        m_connection, xcb_intern_atom(m_connection, 0, property.size(), property.data()), nullptr)};
+    const auto process = static_cast<std::uint32_t>(getpid());
+    std::array<char, HOST_NAME_MAX + 1> machine{};
+    if (!atom || gethostname(machine.data(), machine.size() - 1) != 0)
+        giveUp("the windows have no owner");
+    xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, window, atom->atom, XCB_ATOM_CARDINAL,
+                        32, 1, &process);
+    xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_CLIENT_MACHINE,
+                        XCB_ATOM_STRING, 8, static_cast<std::uint32_t>(strlen(machine.data())),
+                        machine.data());
 }
 
 void Display::demandExactPlace(xcb_window_t window, const xcb_rectangle_t& geometry) const {

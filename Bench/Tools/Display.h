@@ -31,6 +31,8 @@ public:
     void settle() const;
 
 private:
+    /// Programs offer windows by the process that they belong to.
+    void sayWhose(xcb_window_t window) const;
     void demandExactPlace(xcb_window_t window, const xcb_rectangle_t& geometry) const;
 
     xcb_connection_t* m_connection;

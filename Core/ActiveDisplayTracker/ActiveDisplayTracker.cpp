@@ -51,6 +51,7 @@ ActiveDisplayTracker::ActiveDisplayTracker(FollowedDesktop desktop, FollowMode m
 void ActiveDisplayTracker::start(FollowMode mode) {
     setMode(mode);
     stop();
+    m_announcesNext = false;
     recompute(Announcement::always);
     const auto scheduleRecompute = [this] { m_pendingRecompute.schedule(); };
     switch (mode) {
@@ -81,7 +82,8 @@ void ActiveDisplayTracker::recompute(Announcement announcement) {
         m_mode == FollowMode::mouse
             ? ScreenGeometry::displayIDUnderMouse(m_desktop.pointer, m_desktop.screens)
             : displayOfFocusedApplication();
-    if (announcement == Announcement::always || display != m_currentDisplay.get())
+    const bool isAwaited = std::exchange(m_announcesNext, false);
+    if (isAwaited || announcement == Announcement::always || display != m_currentDisplay.get())
         m_currentDisplay.set(display);
 }
 

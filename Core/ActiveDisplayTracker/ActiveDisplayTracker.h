@@ -46,6 +46,10 @@ public:
 
     void stop();
 
+    /// The next display that is worked out is published also when it is the current one. For a
+    /// follower that could not show it. `start` takes it back.
+    void announceNext() { m_announcesNext = true; }
+
     /// Works the display out now.
     void recompute(Announcement announcement);
 
@@ -55,6 +59,7 @@ private:
     FollowedDesktop m_desktop;
     Published<std::optional<DisplayID>> m_currentDisplay{std::nullopt};
     FollowMode m_mode;
+    bool m_announcesNext = false;
     Debouncer m_pendingRecompute;
     Subscription m_mouseMonitor;
     Subscription m_localMouseMonitor;

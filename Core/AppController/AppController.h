@@ -120,9 +120,12 @@ private:
     [[nodiscard]] bool isActive(SessionNumber session) const {
         return session == m_sessionNumber && isSessionActive();
     }
+    [[nodiscard]] bool isOnOrStopping() const {
+        return isSessionActive() || m_sessionState.get() == CaptureSessionState::stopping();
+    }
     void beginSession();
     [[nodiscard]] Task<void> runStart(SessionNumber session);
-    [[nodiscard]] Task<void> runStop();
+    [[nodiscard]] Task<void> runStop(SessionNumber session);
     void presentSafeOutput();
     [[nodiscard]] Task<void> stopForRecovery(CaptureRecoveryReason reason);
     [[nodiscard]] Task<void> stopForPermissionLoss(ScreenRecordingPermission permission);
@@ -164,7 +167,9 @@ private:
     /// A picked window without a known owner is not checked: nobody could tell it from a later
     /// window with its number.
     void reportOwnerlessPicks();
-    void adopt(const SourceVisibilityCoordinator::Refresh& refresh);
+    /// `lookedAt`: the picked windows that the refresh has looked at.
+    void adopt(const SourceVisibilityCoordinator::Refresh& refresh,
+               const ManualWindowSelections& lookedAt);
     void displaysDidChange();
     [[nodiscard]] Task<void> listingDidFail(PlatformError error);
     void pruneTerminatedManualSources(const CaptureSourceSet& terminated);
@@ -208,6 +213,8 @@ private:
     bool m_needsDiscardedManualWindowRecovery = false;
     /// Not to be tried again only because tracking begins anew.
     std::optional<CaptureSource> m_sourceNotToRetry;
+    /// What the last recovery was from, until it is shown again.
+    std::optional<CaptureSource> m_lastFailedSource;
     /// Picked windows that were reported for want of a known owner.
     CaptureSourceSet m_ownerlessPicks;
     /// The displays of the last successful enumeration, in its order.

@@ -56,8 +56,9 @@ void AppController::reportOwnerlessPicks() {
 
 Task<void> AppController::refreshAvailableSources() {
     reportOwnerlessPicks();
+    const auto looksAt = m_with.settings.manualWindowSelections();
     std::vector<ManualWindowSelection> selections;
-    for (const auto& [window, selection] : m_with.settings.manualWindowSelections())
+    for (const auto& [window, selection] : looksAt)
         selections.push_back(selection);
     auto sources = m_with.settings.manualSources.get();
     auto ownWindows = selfCaptureWindowIDs();
@@ -67,17 +68,26 @@ Task<void> AppController::refreshAvailableSources() {
     if (!result)
         co_await listingDidFail(result.error());
     else if (*result)
-        adopt(**result);
+        adopt(**result, looksAt);
 }
 
-void AppController::adopt(const SourceVisibilityCoordinator::Refresh& refresh) {
+void AppController::adopt(const SourceVisibilityCoordinator::Refresh& refresh,
+                          const ManualWindowSelections& lookedAt) {
     const auto previousDisplayIDs = std::exchange(m_latestAvailableDisplayIDs, {});
     for (const auto& display : refresh.lists.displays)
         m_latestAvailableDisplayIDs.push_back(display.source.identifier());
     m_unavailableManualSources.set(refresh.unavailableSources);
     const auto& picked = m_with.settings.manualSources.get();
     m_availableSources.set(lists(refresh.lists, CaptureSourceSet(picked.begin(), picked.end())));
-    pruneTerminatedManualSources(refresh.terminatedSources);
+    auto terminated = refresh.terminatedSources;
+    // A window that was picked meanwhile is another one, even under the number of one that has
+    // gone.
+    std::erase_if(terminated, [&](CaptureSource source) {
+        const auto& picks = m_with.settings.manualWindowSelections();
+        const auto pick = picks.find(source.identifier());
+        return pick != picks.end() && pick->second != lookedAt.at(source.identifier());
+    });
+    pruneTerminatedManualSources(terminated);
     if (m_latestAvailableDisplayIDs != previousDisplayIDs)
         displaysDidChange();
 }

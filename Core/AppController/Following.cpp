@@ -55,6 +55,11 @@ void AppController::beginFollowing(std::optional<CaptureSource> failedSource) {
         m_sourceNotToRetry = failedSource;
     startSourceTracking();
     m_sourceNotToRetry.reset();
+    // Who failed once is tried again the next time that the user does something there: the user
+    // may stay there for long, and the tracker tells changes only.
+    if (failedSource && failedSource != m_lastFailedSource && isAutoFollow(m_followMode))
+        m_with.displayTracker.announceNext();
+    m_lastFailedSource = failedSource;
     m_with.sourceRefreshScheduler.schedule(refreshInterval, [this] { scheduleSourceRefresh(); });
 }
 

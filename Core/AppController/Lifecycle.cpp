@@ -3,12 +3,13 @@
 namespace kestrove {
 
 void AppController::start() {
-    const auto state = m_sessionState.get();
-    if (state.isActive() || state == CaptureSessionState::stopping())
+    if (isOnOrStopping())
         return;
-
     const auto permission = m_with.permissionAccess.ensure();
     m_permissionStatus.set(permission);
+    // A dialog may have run the main loop: whoever started meanwhile has begun the session.
+    if (isOnOrStopping())
+        return;
     if (permission != ScreenRecordingPermission::granted) {
         presentSafeOutput();
         m_sessionState.set(CaptureSessionState::permissionRequired(permission));
@@ -57,18 +58,17 @@ Task<void> AppController::runStart(SessionNumber session) {
 }
 
 void AppController::stop() {
-    const auto state = m_sessionState.get();
-    if (!state.isActive() && state != CaptureSessionState::stopping())
+    if (!isOnOrStopping())
         return;
     stopSourceTracking();
     cancelSourceRefresh();
     m_sessionState.set(CaptureSessionState::stopping());
-    m_tasks.launch(runStop());
+    m_tasks.launch(runStop(m_sessionNumber));
 }
 
-Task<void> AppController::runStop() {
+Task<void> AppController::runStop(SessionNumber session) {
     co_await m_with.captureEngine.stop();
-    if (m_sessionState.get() == CaptureSessionState::stopping())
+    if (session == m_sessionNumber && m_sessionState.get() == CaptureSessionState::stopping())
         m_sessionState.set(CaptureSessionState::stopped());
     else
         co_await restoreRunningStream();

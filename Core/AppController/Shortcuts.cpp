@@ -18,7 +18,7 @@ ShortcutHandlers AppController::globalShortcutHandlers() {
 
 void AppController::startOrStop() {
     // A session on its way to its end is not started over by a second press.
-    if (isSessionActive() || m_sessionState.get() == CaptureSessionState::stopping())
+    if (isOnOrStopping())
         stop();
     else
         start();

@@ -41,6 +41,8 @@ void AppController::presentSource(CaptureSource source, Size pixelSize) {
         m_isContentShown = true;
     }
     m_activeSource.set(source);
+    if (m_lastFailedSource == source)
+        m_lastFailedSource.reset();
     if (m_with.activeOverlay)
         m_with.activeOverlay->show(source);
     m_isOutputSettled = true;

@@ -6,6 +6,7 @@
 
 #include <memory>
 #include <optional>
+#include <set>
 #include <vector>
 
 namespace kestrove {
@@ -67,12 +68,17 @@ public:
     /// The one that was made last; absent when it has been let go of.
     [[nodiscard]] std::shared_ptr<SimulatedStream> latestStream() const;
     [[nodiscard]] std::size_t runningStreamCount() const;
+    /// Whether the platform has ended the stream of this number.
+    [[nodiscard]] bool hasEndedByItself(int stream) const {
+        return m_endedByThemselves.contains(stream);
+    }
 
     /// The connection to the desktop fails: every stream that runs ends by itself.
     void endAllStreams(const PlatformError& error);
 
     // For the adapters.
     void record(CaptureRecord record);
+    void recordEnd(int stream) { m_endedByThemselves.insert(stream); }
     std::shared_ptr<SimulatedStream>
     makeStream(ContentFilter filter, StreamConfiguration configuration, StopHandler stopped);
     [[nodiscard]] const std::shared_ptr<SerialQueue>& platformQueue() const {
@@ -84,6 +90,7 @@ private:
     std::vector<CaptureRecord> m_records;
     std::vector<std::weak_ptr<SimulatedStream>> m_streams;
     int m_streamCount = 0;
+    std::set<int> m_endedByThemselves;
     /// A thread of the platform's own, from which stops are reported.
     std::shared_ptr<SerialQueue> m_platformQueue;
 };

@@ -57,8 +57,10 @@ HotKeyStatus SimulatedHotKeys::unregisterHotKey(HotKeyReference reference) {
     ++m_unregisterCallCount;
     if (!m_references.contains(reference))
         abortOnMisuse("unregistering a hot key that is not registered");
-    if (const auto status = takePlanned(m_desktop.keyboard().nextUnregisterStatuses))
+    if (const auto status = takePlanned(m_desktop.keyboard().nextUnregisterStatuses)) {
+        m_desktop.keyboard().refuseToRemove(reference);
         return status;
+    }
     m_references.erase(reference);
     m_desktop.keyboard().remove(reference);
     return 0;

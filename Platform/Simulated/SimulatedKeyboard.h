@@ -49,6 +49,10 @@ public:
 
     /// The hot keys of this program, in no order that means anything.
     [[nodiscard]] std::vector<SimulatedKeyCombination> registered() const;
+    /// Whether the system has ever refused to remove this hot key of the program.
+    [[nodiscard]] bool wasStuck(SimulatedKeyCombination combination) const {
+        return m_stuck.contains(combination);
+    }
     [[nodiscard]] bool isTakenByOther(SimulatedKeyCombination combination) const {
         return m_takenByOthers.contains(combination);
     }
@@ -57,6 +61,9 @@ public:
     std::expected<HotKeyReference, HotKeyStatus> add(SimulatedKeyCombination combination,
                                                      HotKeyIdentifier identifier);
     void remove(HotKeyReference reference);
+    void refuseToRemove(HotKeyReference reference) {
+        m_stuck.insert(m_hotKeys.at(reference).combination);
+    }
     [[nodiscard]] bool isRegistered(HotKeyReference reference) const;
     [[nodiscard]] Subscription onPressed(std::function<void(const HotKeyIdentifier&)> callback);
 
@@ -68,6 +75,7 @@ private:
 
     SimulatedDesktop& m_desktop;
     std::set<SimulatedKeyCombination> m_takenByOthers;
+    std::set<SimulatedKeyCombination> m_stuck;
     std::set<SimulatedKeyCombination> m_down;
     std::map<HotKeyReference, HotKey> m_hotKeys;
     HotKeyReference m_nextReference = 1;

@@ -90,7 +90,19 @@ void SimulatedMainLoop::post(Operation operation) {
 void SimulatedMainLoop::enqueue(Operation operation, Where where) {
     if (std::this_thread::get_id() != m_thread)
         abortOnMisuse("posted to the simulated loop from another thread");
+    const bool isFromQueue = m_where == Where::serialQueue && where == Where::mainThread;
+    if (isFromQueue && (m_delayOfQueues > Clock(0) || m_lastArrival > m_now)) {
+        enqueueLate(std::move(operation));
+        return;
+    }
     m_queue.push_back({std::move(operation), where});
+}
+
+void SimulatedMainLoop::enqueueLate(Operation operation) {
+    m_lastArrival = std::max(m_lastArrival, m_now + m_delayOfQueues);
+    auto arrival = std::make_shared<TimerState>(std::move(operation), Clock(0));
+    arrival->loop = this;
+    schedule(arrival, m_lastArrival);
 }
 
 Timer SimulatedMainLoop::runAfter(Seconds delay, Operation operation) {

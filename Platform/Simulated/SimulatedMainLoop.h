@@ -45,6 +45,10 @@ public:
     /// timer is set.
     bool advanceToNextTimer();
 
+    /// What serial queues post to the main thread arrives that much later from now on, and in its
+    /// order, as from threads that are slow.
+    void setDelayOfQueues(Seconds delay) { m_delayOfQueues = ticks(delay); }
+
     /// Lets time pass in which nothing runs, as an operation that keeps the main thread busy does.
     void stall(Seconds duration);
 
@@ -70,6 +74,7 @@ private:
 
     static Clock ticks(Seconds duration);
     void enqueue(Operation operation, Where where);
+    void enqueueLate(Operation operation);
     Timer addTimer(Clock delay, Clock interval, Operation operation);
     void schedule(const std::shared_ptr<TimerState>& timer, Clock at);
     void fireFirstTimer();
@@ -79,6 +84,9 @@ private:
     std::uint64_t m_sequence = 0;
     std::deque<Queued> m_queue;
     std::map<Due, std::shared_ptr<TimerState>> m_timers;
+    Clock m_delayOfQueues{0};
+    /// When the last of what queues have posted arrives.
+    Clock m_lastArrival{0};
     std::thread::id m_thread;
     Where m_where = Where::mainThread;
 };

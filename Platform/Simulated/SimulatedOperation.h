@@ -59,6 +59,8 @@ public:
 
     [[nodiscard]] int callCount() const { return m_callCount; }
     [[nodiscard]] std::size_t heldCount() const { return m_held.size(); }
+    /// Calls that have not been answered, held or not.
+    [[nodiscard]] std::size_t pendingCount() const { return m_held.size() + m_delayed.size(); }
 
     // For the adapters.
     void begin(Answer answer);

@@ -126,6 +126,7 @@ void SimulatedStream::endByItself(PlatformError error) {
     m_desktop.requireMainThread("ending a stream");
     if (m_phase != Phase::running)
         abortOnMisuse("the platform ends a stream that does not run");
+    m_desktop.capture().recordEnd(m_number);
     end();
     if (!m_stopped)
         return;

@@ -7,6 +7,7 @@
 #include <xcb/damage.h>
 #include <xcb/randr.h>
 #include <xcb/render.h>
+#include <xcb/res.h>
 #include <xcb/shape.h>
 #include <xcb/xcbext.h>
 #include <xcb/xfixes.h>
@@ -24,6 +25,18 @@ bool agreeOnVersion(xcb_connection_t* connection, Query query, Answer answer,
     return Reply<std::remove_pointer_t<decltype(answer(connection, query(connection, versions...),
                                                        nullptr))>>(
                answer(connection, query(connection, versions...), nullptr)) != nullptr;
+}
+
+bool canTellProcesses(xcb_connection_t* connection) {
+    constexpr std::uint8_t major = 1;
+    constexpr std::uint8_t minor = 2; // earlier ones count resources only
+    const auto* const data = xcb_get_extension_data(connection, &xcb_res_id);
+    if (!data || !data->present)
+        return false;
+    const auto asked = xcb_res_query_version(connection, major, minor);
+    const Reply<xcb_res_query_version_reply_t> version(
+        xcb_res_query_version_reply(connection, asked, nullptr));
+    return version && version->server_major == major && version->server_minor >= minor;
 }
 
 } // namespace
@@ -90,6 +103,7 @@ std::expected<Extensions, PlatformError> Connection::queryExtensions(xcb_connect
     });
     for (const auto& each : required)
         xcb_prefetch_extension_data(connection, each.extension);
+    xcb_prefetch_extension_data(connection, &xcb_res_id);
     for (const auto& each : required) {
         const auto* data = xcb_get_extension_data(connection, each.extension);
         if (!data || !data->present)
@@ -122,6 +136,7 @@ std::expected<Extensions, PlatformError> Connection::queryExtensions(xcb_connect
     found.randrFirstEvent = firstEvent(&xcb_randr_id);
     found.shapeFirstEvent = firstEvent(&xcb_shape_id);
     found.inputOpcode = xcb_get_extension_data(connection, &xcb_input_id)->major_opcode;
+    found.tellsProcesses = canTellProcesses(connection);
     return found;
 }
 

@@ -26,6 +26,8 @@ struct Extensions {
     std::uint8_t randrFirstEvent = 0;
     std::uint8_t shapeFirstEvent = 0;
     std::uint8_t inputOpcode = 0;
+    /// Whether it can be asked for the processes of its clients. Not every server can.
+    bool tellsProcesses = false;
 };
 
 /// The one connection to the X server that carries capture, drawing and every question about the

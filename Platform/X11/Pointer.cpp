@@ -95,8 +95,8 @@ bool Pointer::lookForOurs(xcb_window_t topLevel) {
         const auto identities = readIdentities(m_connection, client);
         if (identities.empty())
             return false;
-        if (const auto process = identities.front().processID)
-            return *process == getpid();
+        if (identities.front().processID == getpid())
+            return true;
         const auto inside = ask(window);
         if (!inside || inside->child == XCB_WINDOW_NONE)
             return false;

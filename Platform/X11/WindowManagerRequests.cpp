@@ -8,7 +8,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <fmt/format.h>
-#include <xcb/composite.h>
 
 namespace kestrove::x11 {
 
@@ -89,14 +88,6 @@ void WindowManagerRequests::activate(NativeViewHandle window) {
                                                          target, XCB_CURRENT_TIME);
         std::free(xcb_request_check(m_connection, focused));
     }
-    xcb_flush(m_connection);
-}
-
-void WindowManagerRequests::keepContent(NativeViewHandle window) {
-    // A compositor's redirection can stand beside it: only what both sides paint by themselves
-    // cannot be shared.
-    xcb_composite_redirect_window(m_connection, static_cast<xcb_window_t>(window),
-                                  XCB_COMPOSITE_REDIRECT_AUTOMATIC);
     xcb_flush(m_connection);
 }
 

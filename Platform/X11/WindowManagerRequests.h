@@ -38,11 +38,6 @@ public:
     /// window is raised and takes the focus by itself.
     void activate(NativeViewHandle window);
 
-    /// The server keeps the window's content in a pixmap of its own, as a compositor would have it
-    /// do: who asks for the window's pixels gets them, also where it is covered or outside the
-    /// screens. For as long as the toolkit's connection exists.
-    void keepContent(NativeViewHandle window);
-
 private:
     [[nodiscard]] xcb_atom_t atom(std::string_view name) const;
     [[nodiscard]] bool hasWindowManager() const;

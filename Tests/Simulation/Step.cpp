@@ -1,5 +1,7 @@
 #include "Tests/Simulation/Step.h"
 
+#include "Tests/Simulation/Theme.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdio>
@@ -15,7 +17,7 @@ namespace {
 
 struct Kind {
     std::string_view name;
-    /// How often it comes, relative to the others.
+    /// How often it comes, relative to the others; 0 where it comes in themes only.
     unsigned weight;
 };
 
@@ -75,6 +77,7 @@ constexpr std::array<Kind, static_cast<std::size_t>(StepKind::count)> kinds{{
     {"the system refuses the next hot keys", 2},
     {"restart the program", 1},
     {"corrupt the settings and restart", 1},
+    {"other threads become slow or fast", 0},
 }};
 
 constexpr std::array<std::string_view, static_cast<std::size_t>(Pause::count)> pauses{
@@ -92,7 +95,7 @@ using Weights = std::array<unsigned, kinds.size()>;
 Weights makeWeights(std::mt19937_64& random) {
     constexpr std::array<unsigned, 6> factors{0, 1, 1, 1, 2, 8};
     Weights weights{};
-    for (std::size_t index = 0; index < kinds.size(); ++index)
+    for (std::size_t index = 0; index < kinds.size() && kinds.at(index).weight > 0; ++index)
         weights.at(index) = kinds.at(index).weight * factors.at(below(random, factors.size()));
     // Without a session there is little to see.
     auto& start = weights.at(static_cast<std::size_t>(StepKind::start));
@@ -116,10 +119,41 @@ Pause pickPause(std::mt19937_64& random) {
     return tickets.at(below(random, tickets.size()));
 }
 
+/// Short ones: what is about to happen is met on its way.
+Pause pickShortPause(std::mt19937_64& random) {
+    constexpr std::array<Pause, 8> tickets{
+        Pause::none,      Pause::none,         Pause::fewOperations, Pause::fewOperations,
+        Pause::untilIdle, Pause::milliseconds, Pause::milliseconds,  Pause::moment};
+    return tickets.at(below(random, tickets.size()));
+}
+
+template <class List>
+auto pickFrom(std::mt19937_64& random, const List& list) {
+    return list.at(below(random, static_cast<std::uint32_t>(list.size())));
+}
+
+Steps makeStepsOf(const Theme& theme, std::mt19937_64& random) {
+    Steps steps(30 + below(random, 50));
+    const auto length = static_cast<std::uint32_t>(theme.course.size());
+    std::uint32_t place = below(random, length);
+    for (auto& step : steps) {
+        place = below(random, 5) == 0 ? below(random, length) : (place + 1) % length;
+        step.kind = theme.course.at(place);
+        step.pause = pickShortPause(random);
+        step.a = below(random, 1U << 16);
+        step.b = below(random, 1U << 16);
+        if (step.kind == StepKind::planOperation)
+            step.a = pickFrom(random, theme.operations);
+    }
+    return steps;
+}
+
 } // namespace
 
 Steps makeSteps(std::uint64_t seed) {
     std::mt19937_64 random(seed);
+    if (const auto* const theme = themeOf(seed))
+        return makeStepsOf(*theme, random);
     const auto weights = makeWeights(random);
     Steps steps(20 + below(random, 60));
     for (auto& step : steps) {

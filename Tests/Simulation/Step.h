@@ -66,6 +66,7 @@ enum class StepKind : std::uint8_t {
     refuseHotKeys,
     restartProgram,
     corruptSettingsAndRestart,
+    slowQueues,
     count,
 };
 

@@ -236,6 +236,7 @@ void World::note(std::optional<Failure> failure) {
 void World::calmDown() {
     apply({.kind = StepKind::freeDisk});
     apply({.kind = StepKind::releaseOperations});
+    m_loop.setDelayOfQueues(Seconds(0));
     apply({.kind = StepKind::makeWindowListReadable});
     m_desktop.setRecordingAllowed(true);
     // In this order: only who unlocks says that the session is not locked.

@@ -100,6 +100,9 @@ void World::applyByHand(const Step& step) {
     case StepKind::refuseHotKeys:
         applyToHotKeys(step);
         return;
+    case StepKind::slowQueues:
+        m_loop.setDelayOfQueues(step.a % 3 == 0 ? Seconds(0) : Seconds(step.b % 300 / 1000.0));
+        return;
     case StepKind::corruptSettingsAndRestart: {
         m_checkers.reset();
         m_program.reset();

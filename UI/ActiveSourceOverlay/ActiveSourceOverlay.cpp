@@ -82,10 +82,11 @@ void ActiveSourceOverlay::windowsChanged() {
 void ActiveSourceOverlay::updateFrame() {
     if (!m_currentSource)
         return;
-    // The windows say nothing of a display's frame; they only may have come to lie above ours,
-    // after a change that we were told of.
+    // The windows say nothing of a display's frame; they only may have come to lie above ours where
+    // it is seen already, after a change that we were told of.
     const bool looksAtWindows =
-        m_currentSource->isWindow() || (m_with.onWindowsChanged && m_pace == Pace::tracking);
+        m_currentSource->isWindow() ||
+        (m_with.onWindowsChanged && m_pace == Pace::tracking && m_window->isVisible());
     const auto windows = looksAtWindows ? readWindows() : std::nullopt;
     const auto frame = m_currentSource->isWindow()
                            ? visibleBounds(m_currentSource->identifier(), windows)

@@ -47,8 +47,7 @@ MenuState MenuBarView::state() const {
     state.availableSources = controller.availableSources().get();
     state.unavailableManualSources = controller.unavailableManualSources().get();
     state.activeSource = controller.activeSource().get();
-    state.followMode = settings.followMode.get();
-    state.manualSources = settings.manualSources.get();
+    state.picks = {settings.followMode.get(), settings.manualSources.get()};
     state.hideOutputWindow = settings.hideOutputWindow.get();
     if (m_with.shortcutTexts)
         state.shortcuts = m_with.shortcutTexts();

@@ -85,6 +85,9 @@ struct MenuSourceRow {
     bool isSelected = false;
     /// Its frames are in the output now.
     bool isLive = false;
+    /// Whether a click would do something: a window of which nobody can say whose it is cannot be
+    /// ticked, since it could not be told from a later one with its number.
+    bool isEnabled = true;
 
     bool operator==(const MenuSourceRow&) const = default;
 };

@@ -1,6 +1,5 @@
 #include "UI/MenuBarView/MenuState.h"
 
-#include <algorithm>
 #include <string_view>
 #include <utility>
 
@@ -47,7 +46,7 @@ MenuButton sessionButton(const MenuState& state) {
 }
 
 MenuFollowModeRow followModeRow(const MenuState& state, FollowMode mode, std::string_view title) {
-    const bool isCurrent = state.followMode == mode;
+    const bool isCurrent = state.picks.followMode == mode;
     return {.mode = mode,
             .title = std::string(title),
             .symbol = isCurrent ? "largecircle.fill.circle" : "circle",
@@ -55,14 +54,15 @@ MenuFollowModeRow followModeRow(const MenuState& state, FollowMode mode, std::st
 }
 
 MenuSourceRow sourceRow(const MenuState& state, const CaptureSourceInfo& info) {
-    const bool isSelected = state.isManuallySelected(info.source);
+    const bool isSelected = state.picks.isManuallySelected(info.source);
     return {.source = info.source,
             .windowOwner = info.windowOwner,
             .title = info.title,
             .subtitle = info.subtitle,
             .symbol = isSelected ? "checkmark.square.fill" : "square",
             .isSelected = isSelected,
-            .isLive = state.isLive(info.source)};
+            .isLive = state.isLive(info.source),
+            .isEnabled = state.picks.canToggle(info)};
 }
 
 MenuSourceGroup sourceGroup(const MenuState& state, const std::vector<CaptureSourceInfo>& infos,
@@ -113,11 +113,6 @@ std::vector<MenuButton> hideOrShowButton(const MenuState& state) {
 
 std::string MenuButton::label() const {
     return shortcut ? title + "  " + *shortcut : title;
-}
-
-bool MenuState::isManuallySelected(CaptureSource source) const {
-    return followMode == FollowMode::manual &&
-           std::ranges::find(manualSources, source) != manualSources.end();
 }
 
 bool MenuState::isLive(CaptureSource source) const {

@@ -3,6 +3,7 @@
 #include "Core/AppController/CaptureSessionState.h"
 #include "Core/SourceLister/SourceLists.h"
 #include "UI/MenuBarView/MenuContent.h"
+#include "UI/SourcePicker/Picks.h"
 
 #include <optional>
 #include <string>
@@ -33,15 +34,11 @@ struct MenuState {
     SourceLister::Lists availableSources = {};
     CaptureSourceSet unavailableManualSources = {};
     std::optional<CaptureSource> activeSource = std::nullopt;
-    FollowMode followMode = FollowMode::mouse;
-    std::vector<CaptureSource> manualSources = {};
+    Picks picks = {};
     bool hideOutputWindow = false;
     MenuShortcutTexts shortcuts = {};
     MenuOffers offers = {};
 
-    /// Ticked: picked by the user, and picks count in this follow mode. The saved picks of another
-    /// mode are not what is shared.
-    [[nodiscard]] bool isManuallySelected(CaptureSource source) const;
     /// Shown in the output now.
     [[nodiscard]] bool isLive(CaptureSource source) const;
 };

@@ -69,6 +69,7 @@ private:
                              .kind = Kind::checkBox,
                              .text = row.title,
                              .ending = std::move(ending),
+                             .isEnabled = row.isEnabled,
                              .isChecked = row.isSelected,
                              .run = [&view = m_view, row] { view.toggle(row); }});
     }

@@ -71,6 +71,8 @@ bool OutputWindowWidget::eventFilter(QObject* watched, QEvent* event) {
     // It comes also when the window leaves the desktop.
     if (event->type() == QEvent::Expose && windowHandle()->isExposed())
         exposed.emit();
+    if (event->type() == QEvent::Resize)
+        sizeTold.emit(static_cast<QResizeEvent*>(event)->size());
     return QWidget::eventFilter(watched, event);
 }
 

@@ -31,6 +31,8 @@ public:
     Signal<> exposed;
     /// Not by the program: by the user, or by the window manager.
     Signal<> resizedByDesktop;
+    /// The desktop has told the size, in pixels, also where it is the one that the program had set.
+    Signal<QSize> sizeTold;
 
 protected:
     void moveEvent(QMoveEvent* event) override;

@@ -17,9 +17,12 @@ namespace {
 /// X does not tell when the user lets go of a window's edge. A hand that rests this long has chosen
 /// a size.
 constexpr Seconds restAfterResizing{0.3};
-/// For so long after the program set a frame, what the window manager makes of it is its answer and
-/// not the user's doing.
-constexpr Seconds answerOfTheWindowManager{0.5};
+/// For so long after the program set another size, what the window manager makes of it is its
+/// answer and not the user's doing, unless it has given the window the size that was asked for. A
+/// busy one applies the limits to the old size first and comes to the new one a second later.
+constexpr Seconds answerToASize{2};
+/// The same after the window was shown, which few window managers answer by a size.
+constexpr Seconds answerToShowing{0.5};
 /// A refusal is not told, so it is looked for this often, and a busy window manager's for this
 /// long.
 constexpr Seconds refusalIsLookedForEvery{0.05};
@@ -80,6 +83,10 @@ QtOutputWindow::QtOutputWindow(QtOutputWindowSurroundings surroundings, const Re
     // Nobody tells that the decorations have become others; these are the moments after it.
     m_subscriptions.push_back(
         m_widget.exposed.subscribe([this] { m_scope.post([this] { shownByDesktop(); }); }));
+    m_subscriptions.push_back(m_widget.sizeTold.subscribe([this](const QSize& size) {
+        if (m_requested && size == m_requested->geometry.size())
+            m_answerIsDueUntil = Seconds{-1};
+    }));
     m_subscriptions.push_back(m_widget.moved.subscribe(adoptLater));
     m_subscriptions.push_back(m_widget.resizedByDesktop.subscribe([this, adoptLater] {
         resizedByDesktop();
@@ -119,7 +126,7 @@ std::optional<Rect> QtOutputWindow::mainVisibleFrame() const {
 }
 
 Rect QtOutputWindow::frame() const {
-    if (m_requested && m_requested->geometry == m_widget.geometry())
+    if (isAsRequested())
         return m_requested->frame;
     return frameRect(coordinates().toScreen(toRect(m_widget.geometry())));
 }
@@ -127,6 +134,8 @@ Rect QtOutputWindow::frame() const {
 void QtOutputWindow::setFrame(const Rect& frame, Redisplay /*redisplay*/) {
     m_lastRequest = m_loop.now();
     const auto geometry = toPixels(coordinates().toToolkit(contentRect(frame)));
+    if (isAnswerDue() || m_widget.windowHandle()->size() != geometry.size())
+        m_answerIsDueUntil = m_loop.now() + answerToASize;
     if (m_isParked)
         park(geometry.topLeft());
     // First what both sizes are allowed by: Qt enlarges a window that is below its smallest size.
@@ -207,6 +216,7 @@ void QtOutputWindow::show(Activation activation) {
     if (m_widget.isVisible())
         return;
     m_lastRequest = m_loop.now();
+    m_answerIsDueUntil = std::max(m_answerIsDueUntil, m_loop.now() + answerToShowing);
     m_widget.setAttribute(Qt::WA_ShowWithoutActivating, activation == Activation::unwanted);
     m_isToBePlaced = true;
     m_widget.show();
@@ -317,6 +327,14 @@ void QtOutputWindow::shownByDesktop() {
         setFrame(Rect(m_requested->frame), Redisplay::yes);
 }
 
+bool QtOutputWindow::isAnswerDue() const {
+    return m_loop.now() <= m_answerIsDueUntil;
+}
+
+bool QtOutputWindow::isAsRequested() const {
+    return m_requested && (m_requested->geometry == m_widget.geometry() || isAnswerDue());
+}
+
 void QtOutputWindow::adoptDecorations() {
     // Parked, or not yet taken over, it has none, but those that it comes back to are part of its
     // frame.
@@ -329,19 +347,19 @@ void QtOutputWindow::adoptDecorations() {
                                          decorations.bottom()}) < 0;
     if (isBeingFramed || decorations == m_decorations)
         return;
-    const bool isWhereItWasPut = m_requested && m_requested->geometry == m_widget.geometry();
+    const bool isToBeSetAgain = isAsRequested();
     m_decorations = decorations;
     applyMinimumSize(requestedContent());
-    if (isWhereItWasPut)
+    if (isToBeSetAgain)
         setFrame(Rect(m_requested->frame), Redisplay::yes);
     m_decorationsChanged.emit();
 }
 
 void QtOutputWindow::resizedByDesktop() {
     // However late, what was asked for is an answer.
-    const bool isAsRequested =
+    const bool hasRequestedSize =
         m_requested && m_requested->geometry.size() == m_widget.geometry().size();
-    if (!isAsRequested && m_loop.now() - m_lastRequest > answerOfTheWindowManager)
+    if (!hasRequestedSize && !isAnswerDue())
         m_resizeRests.schedule();
 }
 

@@ -72,7 +72,8 @@ public:
 
 private:
     enum class Activation : std::uint8_t { wanted, unwanted };
-    /// A frame that was set, and what Qt made of it: as long as that is unchanged, so is the frame.
+    /// A frame that was set, and what Qt made of it: as long as that is unchanged, or the window
+    /// manager still at work on it, so is the frame.
     struct Requested {
         Rect frame;
         QRect geometry;
@@ -89,6 +90,8 @@ private:
     [[nodiscard]] QSize requestedContent() const;
     void applyAspectRatio();
     void shownByDesktop();
+    [[nodiscard]] bool isAnswerDue() const;
+    [[nodiscard]] bool isAsRequested() const;
     void adoptDecorations();
     void resizedByDesktop();
     void endLiveResize();
@@ -102,6 +105,9 @@ private:
     std::optional<Requested> m_requested;
     QMargins m_decorations;
     Seconds m_lastRequest{0};
+    /// Till then, or till the window is seen to have the size that was last asked for, another size
+    /// is the window manager's and will not stay.
+    Seconds m_answerIsDueUntil{-1};
     Size m_minimumFrameSize;
     std::optional<Size> m_aspectRatio;
     /// Qt has rewritten the window's hints without it, or the frame has become another.

@@ -14,23 +14,19 @@ SourcePickerSection section(const SourcePickerState& state, std::string title,
     SourcePickerSection result{.title = std::move(title), .tiles = {}};
     for (const auto& preview : previews)
         result.tiles.push_back({.preview = preview,
-                                .isSelected = state.isSelected(preview.id),
-                                .isLive = state.isLive(preview.id)});
+                                .isSelected = state.picks.isManuallySelected(preview.id),
+                                .isLive = state.isLive(preview.id),
+                                .isEnabled = state.picks.canToggle(preview.info)});
     return result;
 }
 
 /// Picks that are not in the lists now, such as minimised windows, count too: they are shared as
 /// soon as they can be.
 std::size_t selectionCount(const SourcePickerState& state) {
-    return state.followMode == FollowMode::manual ? state.manualSources.size() : 0;
+    return state.picks.followMode == FollowMode::manual ? state.picks.manualSources.size() : 0;
 }
 
 } // namespace
-
-bool SourcePickerState::isSelected(CaptureSource source) const {
-    return followMode == FollowMode::manual &&
-           std::ranges::find(manualSources, source) != manualSources.end();
-}
 
 bool SourcePickerState::isLive(CaptureSource source) const {
     return activeSource == source;

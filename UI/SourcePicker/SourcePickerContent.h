@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Core/Settings/FollowMode.h"
+#include "UI/SourcePicker/Picks.h"
 #include "UI/SourcePicker/SourcePreview.h"
 
 #include <optional>
@@ -14,13 +14,9 @@ struct SourcePickerState {
     std::vector<SourcePreview> displays = {};
     std::vector<SourcePreview> windows = {};
     bool isLoading = false;
-    FollowMode followMode = FollowMode::mouse;
-    std::vector<CaptureSource> manualSources = {};
+    Picks picks = {};
     std::optional<CaptureSource> activeSource = std::nullopt;
 
-    /// Ticked: picked by the user, and picks count in this follow mode. The saved picks of another
-    /// mode are not what is shared.
-    [[nodiscard]] bool isSelected(CaptureSource source) const;
     /// Shown in the output now.
     [[nodiscard]] bool isLive(CaptureSource source) const;
 };
@@ -29,6 +25,8 @@ struct SourceTileContent {
     SourcePreview preview;
     bool isSelected = false;
     bool isLive = false;
+    /// Whether a click would do something.
+    bool isEnabled = true;
 
     /// What a screen reader says after the title: the subtitle, and whether the source is live.
     [[nodiscard]] std::string accessibleDescription() const;

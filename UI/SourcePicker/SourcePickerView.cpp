@@ -118,8 +118,7 @@ SourcePickerContent SourcePickerView::content() const {
     state.displays = m_model.displays().get();
     state.windows = m_model.windows().get();
     state.isLoading = m_model.isLoading().get();
-    state.followMode = m_settings.followMode.get();
-    state.manualSources = m_settings.manualSources.get();
+    state.picks = {m_settings.followMode.get(), m_settings.manualSources.get()};
     state.activeSource = m_controller.activeSource().get();
     return sourcePickerContent(state);
 }
@@ -160,6 +159,7 @@ TileActions SourcePickerView::tileActions() {
 
 std::vector<std::size_t> SourcePickerView::tileCounts() const {
     std::vector<std::size_t> counts;
+    counts.reserve(m_sections.size());
     for (const auto* const section : m_sections)
         counts.push_back(section->tiles().size());
     return counts;
@@ -177,16 +177,30 @@ void SourcePickerView::move(CaptureSource from, TileMove move) {
     const auto place = placeOf(from);
     if (!place)
         return;
-    const auto columns = m_sections[place->section]->columnCount();
-    if (const auto next = tileAfter(*place, move, columns, tileCounts()))
+    if (const auto next = enabledTileAfter(*place, move))
         focusTile(*next);
 }
 
+SourceTile& SourcePickerView::tileAt(TilePlace place) const {
+    return *m_sections[place.section]->tiles()[place.index];
+}
+
+std::optional<TilePlace> SourcePickerView::enabledTileAfter(TilePlace from, TileMove move) const {
+    const auto columns = m_sections[from.section]->columnCount();
+    const auto counts = tileCounts();
+    auto next = tileAfter(from, move, columns, counts);
+    if (move == TileMove::first || move == TileMove::last)
+        move = move == TileMove::first ? TileMove::right : TileMove::left;
+    while (next && !tileAt(*next).isEnabled())
+        next = tileAfter(*next, move, columns, counts);
+    return next;
+}
+
 void SourcePickerView::focusTile(TilePlace place) {
-    auto* const tile = m_sections[place.section]->tiles()[place.index];
-    tile->setFocus(Qt::TabFocusReason);
+    auto& tile = tileAt(place);
+    tile.setFocus(Qt::TabFocusReason);
     const int margin = PickerMeasures(*this).margin();
-    m_scroll->ensureWidgetVisible(tile, 0, margin);
+    m_scroll->ensureWidgetVisible(&tile, 0, margin);
     // The headline of the first row is seen together with it.
     if (place.section == 0 && place.index < m_sections[0]->columnCount())
         m_scroll->verticalScrollBar()->setValue(0);
@@ -209,14 +223,14 @@ bool SourcePickerView::isKeyboardOnTile() const {
 }
 
 void SourcePickerView::keepCurrent(bool takesKeyboard) {
-    const bool isThere = m_current && placeOf(*m_current);
-    const auto first = tileAfter({}, TileMove::first, 1, tileCounts());
+    const auto place = m_current ? placeOf(*m_current) : std::nullopt;
+    const bool isThere = place && tileAt(*place).isEnabled();
+    const auto first = enabledTileAfter({}, TileMove::first);
     if (isThere && !m_isAtStart)
         return setCurrent(m_current);
     if (!first)
         return setCurrent(std::nullopt);
-    const auto* const tile = m_sections[first->section]->tiles()[first->index];
-    setCurrent(tile->content().preview.id);
+    setCurrent(tileAt(*first).content().preview.id);
     // Not taken from the button, if the user is there.
     if (!takesKeyboard)
         return;

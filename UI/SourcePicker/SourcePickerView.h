@@ -48,6 +48,9 @@ private:
     [[nodiscard]] TileActions tileActions();
     [[nodiscard]] std::vector<std::size_t> tileCounts() const;
     [[nodiscard]] std::optional<TilePlace> placeOf(CaptureSource source) const;
+    [[nodiscard]] SourceTile& tileAt(TilePlace place) const;
+    /// As `tileAfter`, on past those that cannot be ticked.
+    [[nodiscard]] std::optional<TilePlace> enabledTileAfter(TilePlace from, TileMove move) const;
     void move(CaptureSource from, TileMove move);
     void focusTile(TilePlace place);
     void setCurrent(std::optional<CaptureSource> source);

@@ -27,6 +27,8 @@ constexpr double lineGap = 2;
 constexpr double badgeFontSize = 10;
 constexpr double tickSize = 20;
 
+constexpr double disabledOpacity = 0.4;
+
 constexpr double pictureProportion = 10.0 / 16;
 /// Of the ordinary text's size.
 constexpr double titleScale = 0.95;
@@ -97,6 +99,7 @@ void SourceTile::show(const SourceTileContent& content) {
         m_scaledFor = {};
     }
     setChecked(content.isSelected);
+    setEnabled(content.isEnabled);
     const auto title = qtText(content.preview.info.title);
     setAccessibleName(title);
     setAccessibleDescription(qtText(content.accessibleDescription()));
@@ -146,7 +149,7 @@ void SourceTile::paintEvent(QPaintEvent* /*event*/) {
 
     QColor ground = palette().color(QPalette::Highlight);
     ground.setAlphaF(m_content->isSelected ? 0.16F : 0.0F);
-    if (!m_content->isSelected && underMouse()) {
+    if (!m_content->isSelected && underMouse() && isEnabled()) {
         ground = palette().color(QPalette::WindowText);
         ground.setAlphaF(0.07F);
     }
@@ -154,8 +157,10 @@ void SourceTile::paintEvent(QPaintEvent* /*event*/) {
     card.addRoundedRect(where.card, measures.pixels(cardRadius), measures.pixels(cardRadius));
     painter.fillPath(card, ground);
 
+    painter.setOpacity(isEnabled() ? 1 : disabledOpacity);
     paintPicture(painter, where);
     paintTexts(painter, where);
+    painter.setOpacity(1);
     paintMarks(painter, where);
 }
 
@@ -211,7 +216,7 @@ void SourceTile::paintMarks(QPainter& painter, const Places& places) const {
     };
     if (m_content->isSelected)
         ring(places.picture, pictureRadius, selectedBorder, accent);
-    else if (underMouse())
+    else if (underMouse() && isEnabled())
         ring(places.picture, pictureRadius, 1, secondaryColor(palette()));
     if (hasFocus())
         ring(places.card, cardRadius, focusBorder, palette().color(QPalette::WindowText));

@@ -31,6 +31,8 @@ struct CaptureServices {
     CursorTracker cursor;
     /// Left out of every display, whatever its filter says.
     WindowsNeverCaptured& neverCaptured;
+    /// Of somebody else who follows the stack; ends before it.
+    Subscription following;
 
 private:
     std::weak_ptr<const void> m_lifetime;

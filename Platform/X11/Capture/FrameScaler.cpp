@@ -60,8 +60,13 @@ void FrameScaler::addHalvedLevels(const PictureFormats& formats, double reductio
         height = (height + 1) / 2;
         Level level{width, height, Pixmap(m_connection, m_connection.generateIdentifier()),
                     Picture(m_connection, m_connection.generateIdentifier())};
-        xcb_create_pixmap(xcb, 24, level.pixmap.get(), m_connection.root(),
-                          static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height));
+        m_connection.onError(xcb_create_pixmap(xcb, 24, level.pixmap.get(), m_connection.root(),
+                                               static_cast<std::uint16_t>(width),
+                                               static_cast<std::uint16_t>(height)),
+                             [weak = std::weak_ptr(m_refused)] {
+                                 if (const auto refused = weak.lock())
+                                     refused->emit();
+                             });
         const std::uint32_t repeat = XCB_RENDER_REPEAT_PAD;
         xcb_render_create_picture(xcb, level.picture.get(), level.pixmap.get(), formats.rgb24(),
                                   XCB_RENDER_CP_REPEAT, &repeat);

@@ -26,6 +26,9 @@ public:
 
     [[nodiscard]] const FrameSurface& surface() const { return *m_surface; }
 
+    /// The server had no memory for what it scales by way of: nothing that it draws is right.
+    [[nodiscard]] Signal<>& refused() { return *m_refused; }
+
     /// Where in the target the frame goes; the rest of the target stays as it is.
     [[nodiscard]] const Region& destination() const { return m_destination; }
 
@@ -64,6 +67,8 @@ private:
     int m_width = 0;
     int m_height = 0;
     Region m_destination;
+    /// Shared, for the server may answer when this has gone.
+    std::shared_ptr<Signal<>> m_refused = std::make_shared<Signal<>>();
 };
 
 } // namespace kestrove::x11

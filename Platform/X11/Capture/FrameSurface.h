@@ -30,7 +30,8 @@ public:
     /// Whether the server still has it: false once the connection it was made on is lost.
     [[nodiscard]] bool isValid() const { return static_cast<bool>(m_pixmap); }
 
-    /// The server had no memory for it: nothing can be drawn from it, now or later.
+    /// The server had no memory for it or, as whoever shows it says here, for showing it: it
+    /// cannot be seen.
     [[nodiscard]] Signal<>& refused() { return *m_refused; }
 
     /// `painter` has `region` newer than the pixmap. It stays until it is detached.

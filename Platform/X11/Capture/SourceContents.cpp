@@ -28,4 +28,8 @@ PlatformError displayGone() {
     return {"X11", XCB_VALUE, "the display has gone"};
 }
 
+PlatformError noMemory() {
+    return {"X11", XCB_ALLOC, "the X server has no memory for the picture of the source"};
+}
+
 } // namespace kestrove::x11

@@ -16,5 +16,7 @@ openSourceContent(Connection& connection, const MonitorLayout& monitors, Capture
                   const ContentFilter& filter);
 
 [[nodiscard]] PlatformError displayGone();
+/// The server refused what the source was to be drawn on.
+[[nodiscard]] PlatformError noMemory();
 
 } // namespace kestrove::x11

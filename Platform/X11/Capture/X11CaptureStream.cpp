@@ -11,10 +11,6 @@ PlatformError connectionLost() {
     return {"X11", XCB_CONN_ERROR, "the connection to the X server was lost"};
 }
 
-PlatformError noMemory() {
-    return {"X11", XCB_ALLOC, "the X server has no memory for the picture of the source"};
-}
-
 } // namespace
 
 Region X11CaptureStream::PaintedCursor::region() const {

@@ -118,6 +118,10 @@ void X11DisplayLayer::prepareScaler() {
         return;
     m_scaler =
         std::make_unique<FrameScaler>(m_connection, *m_formats, m_surface, m_width, m_height);
+    m_scalerRefused = m_scaler->refused().subscribe([shown = std::weak_ptr(m_surface)] {
+        if (const auto surface = shown.lock())
+            surface->refused().emit();
+    });
     const auto margin = Region(0, 0, m_width, m_height) - m_scaler->destination();
     for (const auto& box : margin.rectangles())
         xcb_clear_area(m_connection.get(), 0, m_window.get(), box.x, box.y, box.width, box.height);
@@ -125,8 +129,11 @@ void X11DisplayLayer::prepareScaler() {
 
 void X11DisplayLayer::drawAll() {
     prepareScaler();
-    if (m_scaler)
-        m_scaler->drawAll(m_target.get());
+    if (!m_scaler)
+        return;
+    m_exposed.clear();
+    m_wholeDrawing = xcb_no_operation(m_connection.get()).sequence;
+    m_scaler->drawAll(m_target.get());
 }
 
 void X11DisplayLayer::resize(int width, int height) {
@@ -144,6 +151,9 @@ void X11DisplayLayer::resize(int width, int height) {
 }
 
 void X11DisplayLayer::onEvent(const xcb_generic_event_t& event) {
+    // Events come in the order of the requests.
+    if (m_wholeDrawing && static_cast<std::int32_t>(event.full_sequence - *m_wholeDrawing) >= 0)
+        m_wholeDrawing.reset();
     const int type = event.response_type & 0x7F;
     if (type == XCB_CONFIGURE_NOTIFY) {
         const auto& configure = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
@@ -151,7 +161,7 @@ void X11DisplayLayer::onEvent(const xcb_generic_event_t& event) {
             resize(configure.width, configure.height);
     } else if (type == XCB_EXPOSE) {
         const auto& expose = reinterpret_cast<const xcb_expose_event_t&>(event);
-        if (m_window && expose.window == m_window.get())
+        if (m_window && expose.window == m_window.get() && !m_wholeDrawing)
             m_exposed += Region(expose.x, expose.y, expose.width, expose.height);
     }
 }

@@ -4,7 +4,9 @@
 #include "Platform/X11/Capture/FrameSample.h"
 #include "Platform/X11/Capture/FrameScaler.h"
 
+#include <cstdint>
 #include <memory>
+#include <optional>
 
 namespace kestrove::x11 {
 
@@ -41,9 +43,13 @@ private:
     int m_height = 0;
     std::shared_ptr<FrameSurface> m_surface;
     std::unique_ptr<FrameScaler> m_scaler;
+    Subscription m_scalerRefused;
     std::uint64_t m_lastNumber = 0;
     DisplayLayerStatus m_status = DisplayLayerStatus::unknown;
     Region m_exposed;
+    /// The request before all of the window was drawn, until the server has told something after
+    /// it: what was bared before has been drawn since.
+    std::optional<std::uint32_t> m_wholeDrawing;
     Subscription m_events;
     Subscription m_drained;
     Subscription m_lost;

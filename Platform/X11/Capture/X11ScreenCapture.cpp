@@ -10,6 +10,8 @@
 #include "Platform/X11/WindowIdentity/WindowIdentity.h"
 #include "Platform/X11/WindowIdentity/WindowLayer.h"
 
+#include <array>
+#include <memory>
 #include <utility>
 
 namespace kestrove::x11 {
@@ -31,23 +33,46 @@ bool isImageSize(const StreamConfiguration& configuration) {
     return isSide(configuration.width) && isSide(configuration.height);
 }
 
-/// What has been drawn on the way is let go of by the server as soon as the pixels are read.
-xcb_get_image_cookie_t requestImage(Connection& connection, SourceContent& content,
-                                    const CaptureServices& shared,
-                                    const StreamConfiguration& configuration) {
-    const auto extent = content.extent();
-    const auto surface =
-        std::make_shared<FrameSurface>(connection, shared.formats, extent.width, extent.height);
-    content.paint({surface->picture()}, surface->bounds());
-    const auto width = static_cast<int>(configuration.width);
-    const auto height = static_cast<int>(configuration.height);
-    const FrameSurface scaled(connection, shared.formats, width, height);
-    FrameScaler(connection, shared.formats, surface, width, height)
-        .draw(scaled.picture(), XCB_NONE, surface->bounds());
-    return xcb_get_image(connection.get(), XCB_IMAGE_FORMAT_Z_PIXMAP, scaled.pixmap(), 0, 0,
-                         static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height),
-                         ~0U);
-}
+/// What a picture is drawn by way of. It stays until the pixels are there: by then the server has
+/// said, too, whether it had the memory. Where it had none, what was to be drawn on stays black.
+class Drawing {
+public:
+    Drawing(Connection& connection, SourceContent& content, const CaptureServices& shared,
+            const StreamConfiguration& configuration)
+        : m_connection(connection)
+        , m_surface(std::make_shared<FrameSurface>(connection, shared.formats,
+                                                   content.extent().width, content.extent().height))
+        , m_scaled(connection, shared.formats, static_cast<int>(configuration.width),
+                   static_cast<int>(configuration.height))
+        , m_scaler(connection, shared.formats, m_surface, m_scaled.width(), m_scaled.height())
+        , m_refusals{watch(m_surface->refused()), watch(m_scaled.refused()),
+                     watch(m_scaler.refused())} {
+        content.paint({m_surface->picture()}, m_surface->bounds());
+        m_scaler.draw(m_scaled.picture(), XCB_NONE, m_surface->bounds());
+    }
+    Drawing(const Drawing&) = delete;
+    Drawing& operator=(const Drawing&) = delete;
+    ~Drawing() = default;
+
+    [[nodiscard]] xcb_get_image_cookie_t requestPixels() const {
+        return xcb_get_image(m_connection.get(), XCB_IMAGE_FORMAT_Z_PIXMAP, m_scaled.pixmap(), 0, 0,
+                             static_cast<std::uint16_t>(m_scaled.width()),
+                             static_cast<std::uint16_t>(m_scaled.height()), ~0U);
+    }
+    [[nodiscard]] bool isRefused() const { return m_isRefused; }
+
+private:
+    [[nodiscard]] Subscription watch(Signal<>& refused) {
+        return refused.subscribe([this] { m_isRefused = true; });
+    }
+
+    Connection& m_connection;
+    bool m_isRefused = false;
+    std::shared_ptr<FrameSurface> m_surface;
+    FrameSurface m_scaled;
+    FrameScaler m_scaler;
+    std::array<Subscription, 3> m_refusals;
+};
 
 StillImage stillImage(const xcb_get_image_reply_t& reply,
                       const StreamConfiguration& configuration) {
@@ -109,6 +134,8 @@ std::shared_ptr<CaptureServices> X11ScreenCapture::services() {
     if (!services || !services->isCurrent()) {
         services = std::make_shared<CaptureServices>(m_connection, m_motion, m_neverCaptured);
         m_services = services;
+        if (m_followStack)
+            services->following = m_followStack(services->stack);
     }
     return services;
 }
@@ -150,12 +177,14 @@ X11ScreenCapture::captureImage(ContentFilter filter, StreamConfiguration configu
     }
 
     const Completion<std::shared_ptr<xcb_get_image_reply_t>> pixels(m_connection.loop());
-    m_connection.onReply(requestImage(m_connection, *content, *shared, configuration),
-                         [pixels](Reply<void> reply) {
-                             pixels.complete(std::static_pointer_cast<xcb_get_image_reply_t>(
-                                 std::shared_ptr<void>(std::move(reply))));
-                         });
+    const Drawing drawing(m_connection, *content, *shared, configuration);
+    m_connection.onReply(drawing.requestPixels(), [pixels](Reply<void> reply) {
+        pixels.complete(std::static_pointer_cast<xcb_get_image_reply_t>(
+            std::shared_ptr<void>(std::move(reply))));
+    });
     const auto reply = co_await pixels;
+    if (drawing.isRefused())
+        co_return std::unexpected(noMemory());
     if (!reply)
         co_return std::unexpected(serverSilent());
     co_return stillImage(*reply, configuration);

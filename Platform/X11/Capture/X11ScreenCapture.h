@@ -11,7 +11,9 @@
 
 #include <array>
 #include <cstddef>
+#include <functional>
 #include <memory>
+#include <utility>
 #include <xcb/xcb.h>
 
 namespace kestrove::x11 {
@@ -27,6 +29,12 @@ public:
 
     /// Windows that are on no picture of a display, whatever its filter says, from now on.
     [[nodiscard]] WindowsNeverCaptured& neverCaptured() { return m_neverCaptured; }
+
+    /// Follows the window stack of the captures, of the next ones on: `follow` is called with it
+    /// whenever there is one, and what it returns ends before it.
+    void followStack(std::function<Subscription(WindowStack&)> follow) {
+        m_followStack = std::move(follow);
+    }
 
     Task<std::expected<ShareableContent, PlatformError>>
     shareableContent(DesktopWindows desktopWindows, WindowsListed windowsListed) override;
@@ -44,6 +52,7 @@ private:
     Applications& m_applications;
     RawMotion& m_motion;
     WindowsNeverCaptured m_neverCaptured;
+    std::function<Subscription(WindowStack&)> m_followStack;
     /// Kept by the streams, so that nothing is followed while nothing is captured.
     std::weak_ptr<CaptureServices> m_services;
     /// So many still images are made at the same time: each has the server keep the whole content

@@ -1,6 +1,7 @@
 #include "Platform/X11/WindowIdentity/WindowIdentity.h"
 
 #include "Platform/X11/Properties.h"
+#include "Platform/X11/WindowIdentity/ClientProcesses.h"
 #include "Platform/X11/WindowIdentity/CompoundText.h"
 #include "Platform/X11/WindowIdentity/PropertyText.h"
 #include "Platform/X11/WindowIdentity/PropertyValues.h"
@@ -41,6 +42,7 @@ struct Question {
 struct Surroundings {
     std::optional<std::uint32_t> currentWorkspace;
     std::string machine;
+    const ClientProcesses& processes;
 };
 
 Question ask(Connection& connection, const ClientWindow& client) {
@@ -89,10 +91,12 @@ std::optional<std::string> hearTitle(Connection& connection, const Question& que
 }
 
 std::optional<ProcessID> hearProcess(Connection& connection, const Question& question,
-                                     const std::string& machine) {
-    const auto process = hearWord(connection, question.process);
-    const auto owner = hearBytes(connection, question.machine);
-    return processOf(process, owner ? std::optional(owner->bytes) : std::nullopt, machine);
+                                     const Surroundings& surroundings) {
+    const auto number = hearWord(connection, question.process);
+    const auto machine = hearBytes(connection, question.machine);
+    const auto process = processOf(number, machine ? std::optional(machine->bytes) : std::nullopt,
+                                   surroundings.machine);
+    return process ? process : surroundings.processes.of(question.client.window);
 }
 
 std::optional<std::string> hearClass(Connection& connection, const Question& question) {
@@ -151,7 +155,7 @@ std::optional<WindowIdentity> hear(Connection& connection, const Question& quest
     identity.windowID = question.client.window;
     identity.topLevel = question.client.topLevel;
     identity.title = hearTitle(connection, question);
-    identity.processID = hearProcess(connection, question, surroundings.machine);
+    identity.processID = hearProcess(connection, question, surroundings);
     identity.bundleIdentifier = hearApplication(connection, question);
     identity.applicationClass = hearClass(connection, question);
     if (!identity.bundleIdentifier)
@@ -186,7 +190,10 @@ std::vector<WindowIdentity> readIdentities(Connection& connection,
     std::vector<Question> questions;
     for (const auto& window : windows)
         questions.push_back(ask(connection, window));
-    const Surroundings surroundings{hearWord(connection, workspace), thisMachine()};
+    // After the windows' properties: it is heard before them, which then have arrived, too.
+    ClientProcesses processes(connection, windows);
+    const Surroundings surroundings{hearWord(connection, workspace), thisMachine(), processes};
+    processes.hear();
     std::vector<WindowIdentity> identities;
     for (const auto& question : questions) {
         if (auto identity = hear(connection, question, surroundings))

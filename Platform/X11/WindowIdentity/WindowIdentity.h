@@ -20,7 +20,8 @@ struct WindowIdentity {
     /// _NET_WM_NAME, else WM_NAME; valid UTF-8.
     std::optional<std::string> title;
     /// _NET_WM_PID, but only of a window whose WM_CLIENT_MACHINE is this machine: elsewhere the
-    /// number means another process or none.
+    /// number means another process or none. Without it, the process that the server knows at the
+    /// other end of the connection (`ClientProcesses`): a frame is its window manager's, then.
     std::optional<ProcessID> processID;
     /// _GTK_APPLICATION_ID, else the stem of the desktop file in _BAMF_DESKTOP_FILE or
     /// _KDE_NET_WM_DESKTOP_FILE, else the class in WM_CLASS. Windows of one process may differ in

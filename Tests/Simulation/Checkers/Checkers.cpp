@@ -31,6 +31,8 @@ Checkers::Checkers(SimulatedDesktop& desktop, Program& program)
         }));
     m_watching.push_back(program.globalShortcuts().operationFailures().subscribe(
         [this](const ShortcutFailures& failures) { shortcutFailuresChange(failures); }));
+    m_watching.push_back(program.globalShortcuts().registeredActions().subscribe(
+        [this](const ShortcutActions& actions) { registeredActionsChange(actions); }));
 }
 
 void Checkers::noteMeanwhile(const char* rule, std::string detail) {
@@ -39,6 +41,7 @@ void Checkers::noteMeanwhile(const char* rule, std::string detail) {
 }
 
 std::optional<Failure> Checkers::always() {
+    m_hasLackedPermission |= !m_desktop.isRecordingAllowed();
     if (m_brokenMeanwhile)
         return m_brokenMeanwhile;
     if (auto failure = checkTexts())
@@ -50,10 +53,15 @@ std::optional<Failure> Checkers::always() {
     return checkSeen();
 }
 
-std::optional<Failure> Checkers::whenIdle() const {
+std::optional<Failure> Checkers::whenIdle() {
     // A stream whose start is answered late, after a stop, runs until the program hears of it.
     if (const auto streams = m_desktop.capture().runningStreamCount(); streams > 1)
         return Failure{"at most one stream", fmt::format("{} run", streams)};
+    const auto& controller = m_program.controller();
+    if (controller.sessionState().get().kind() == Kind::running &&
+        controller.activeSource().get() && !isOwnStreamThere() &&
+        m_desktop.capture().stopCapture.pendingCount() == 0)
+        return Failure{"the stream of a running session is kept", ""};
     if (auto failure = checkMark())
         return failure;
     if (auto failure = checkChosen())

@@ -28,7 +28,7 @@ public:
     /// What holds at every moment.
     [[nodiscard]] std::optional<Failure> always();
     /// What holds when the program has done all that it can at this moment.
-    [[nodiscard]] std::optional<Failure> whenIdle() const;
+    [[nodiscard]] std::optional<Failure> whenIdle();
     /// What holds, besides, when the user has done something: dear to look at all the time.
     [[nodiscard]] std::optional<Failure> afterUse() const;
     /// What holds when the desktop has answered everything and time has passed.
@@ -44,6 +44,10 @@ private:
     void activeSourceChanges(const std::optional<CaptureSource>& source);
     void followInterruption(CaptureSessionState to);
     void shortcutFailuresChange(const ShortcutFailures& failures);
+    void registeredActionsChange(const ShortcutActions& actions);
+    void checkEndIsDue(CaptureSessionState to);
+    [[nodiscard]] bool hasOwnStreamEnded() const;
+    [[nodiscard]] bool isOwnStreamThere() const;
     void noteMeanwhile(const char* rule, std::string detail);
 
     // Output.cpp
@@ -63,7 +67,7 @@ private:
     [[nodiscard]] std::optional<Failure> checkHotKeysWork() const;
     // Sources.cpp
     [[nodiscard]] std::optional<Failure> checkLists() const;
-    [[nodiscard]] std::optional<Failure> checkChosen() const;
+    [[nodiscard]] std::optional<Failure> checkChosen();
     [[nodiscard]] std::optional<Failure> checkPicker() const;
     [[nodiscard]] std::optional<Failure> checkInterruptionIsOver() const;
     [[nodiscard]] std::optional<Failure> checkFollowed() const;
@@ -78,9 +82,15 @@ private:
     std::size_t m_lookedAtRecords = 0;
     /// At any moment since the last look.
     bool m_mayHaveCaptured = false;
+    /// Since the session began.
+    bool m_hasLackedPermission = false;
+    /// Of the capture service, at the last look.
+    std::optional<CaptureSource> m_lastAskedFor;
     std::optional<CaptureSource> m_lastActive;
     /// What was shown, by the user's own choice that still stands, when its stream ended by itself.
     std::optional<CaptureSource> m_interrupted;
+    /// A pick that stays on show as an automatic mode has no display to switch to.
+    std::optional<CaptureSource> m_shownForWantOfADisplay;
     int m_editsAtFailure = 0;
     std::vector<Subscription> m_watching;
 };

@@ -47,7 +47,9 @@ std::optional<Failure> Checkers::checkOutputFollowsState() const {
     if (m_program.displayLayer().visible() &&
         !isOneOf(state.kind(), {Kind::running, Kind::switching}))
         return Failure{"an empty layer while nothing is shown", nameOf(state)};
-    if (state.kind() == Kind::running && !active)
+    // One that stops itself says so when its stream has stopped, and shows nothing until then.
+    if (state.kind() == Kind::running && !active &&
+        m_desktop.capture().stopCapture.pendingCount() == 0)
         return Failure{"a running session has a source", ""};
     if (active &&
         isOneOf(state.kind(), {Kind::switching, Kind::waitingForSource, Kind::recoveryRequired}))
@@ -96,14 +98,22 @@ std::optional<Failure> Checkers::checkRequests() {
     const auto state = m_program.controller().sessionState().get();
     m_mayHaveCaptured |= mayCapture(state);
     for (; m_lookedAtRecords < records.size(); ++m_lookedAtRecords) {
-        const auto call = records[m_lookedAtRecords].call;
+        const auto& record = records[m_lookedAtRecords];
+        const auto call = record.call;
         const bool captures = call == CaptureCall::makeStream ||
                               call == CaptureCall::startCapture ||
                               call == CaptureCall::updateContentFilter;
         if (captures && !m_mayHaveCaptured)
             return Failure{"nothing is captured while nothing is shared", nameOf(state)};
+        if (record.filter && call != CaptureCall::captureImage)
+            m_lastAskedFor = sourceOf(*record.filter);
     }
     m_mayHaveCaptured = mayCapture(state);
+    const auto active = m_program.controller().activeSource().get();
+    if (state.kind() == Kind::running && active && m_lastAskedFor != active)
+        return Failure{
+            "what is shown is what was asked for last",
+            fmt::format("{} is shown, {} was asked for", nameOf(active), nameOf(m_lastAskedFor))};
     return {};
 }
 

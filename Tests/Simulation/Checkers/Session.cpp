@@ -5,6 +5,7 @@
 
 #include <array>
 #include <fmt/format.h>
+#include <ranges>
 #include <string_view>
 
 namespace kestrove::simulation {
@@ -34,6 +35,9 @@ constexpr std::array<std::string_view, 5> guidanceTexts{
 bool isAllowed(CaptureSessionState from, CaptureSessionState to) {
     if (from == to)
         return true;
+    // What is shown is given up for another source before anything is found out about that.
+    if (from.kind() == Kind::running && to.kind() == Kind::recoveryRequired)
+        return to.recoveryReason() == CaptureRecoveryReason::streamStopped;
     if (from.isActive())
         return !isOneOf(to.kind(), {Kind::stopped, Kind::starting});
     if (from.kind() == Kind::stopping)
@@ -50,6 +54,37 @@ void Checkers::stateChanges(CaptureSessionState to) {
     if (!isAllowed(from, to))
         noteMeanwhile("only transitions of the table",
                       fmt::format("{} to {}", nameOf(from), nameOf(to)));
+    checkEndIsDue(to);
+}
+
+/// A session ends by itself for what has happened in it, not for what an earlier one met.
+void Checkers::checkEndIsDue(CaptureSessionState to) {
+    const bool isMissing = !m_desktop.isRecordingAllowed();
+    const auto from = m_program.controller().sessionState().get();
+    const bool wasMissing = from.isActive() && m_hasLackedPermission;
+    if (to.kind() == Kind::starting)
+        m_hasLackedPermission = isMissing;
+    if (to.kind() == Kind::permissionRequired && !isMissing && !wasMissing)
+        noteMeanwhile("a session ends for a permission only that it lacks", nameOf(from));
+    if (to != from && to.recoveryReason() == CaptureRecoveryReason::streamStopped &&
+        !hasOwnStreamEnded())
+        noteMeanwhile("a session is interrupted only by the end of its own stream", nameOf(from));
+}
+
+/// A session's stream is the one that was made last.
+bool Checkers::hasOwnStreamEnded() const {
+    const auto& capture = m_desktop.capture();
+    for (const auto& record : std::views::reverse(capture.records())) {
+        if (record.call == CaptureCall::makeStream)
+            return capture.hasEndedByItself(record.stream);
+    }
+    return false;
+}
+
+/// It runs, or it has ended and the program is about to hear of it.
+bool Checkers::isOwnStreamThere() const {
+    const auto stream = m_desktop.capture().latestStream();
+    return hasOwnStreamEnded() || (stream && stream->phase() == SimulatedStream::Phase::running);
 }
 
 std::optional<Failure> Checkers::checkTexts() const {

@@ -31,8 +31,8 @@ std::optional<Failure> Checkers::checkInterruptionIsOver() const {
     return {};
 }
 
-/// What is seen is what the user asks for: of the picks one, or a display.
-std::optional<Failure> Checkers::checkChosen() const {
+/// What is seen is what the user asks for: of the picks one, or a display, once one is known.
+std::optional<Failure> Checkers::checkChosen() {
     const auto active = m_program.controller().activeSource().get();
     if (!m_program.seen() || !active)
         return {};
@@ -40,7 +40,11 @@ std::optional<Failure> Checkers::checkChosen() const {
     const bool isByHand = settings.followMode.get() == FollowMode::manual;
     const bool isChosen =
         isByHand ? contains(settings.manualSources.get(), *active) : active->isDisplay();
-    if (!isChosen)
+    if (!isByHand && m_desktop.displays().empty())
+        m_shownForWantOfADisplay = active;
+    else if (isChosen || active != m_shownForWantOfADisplay)
+        m_shownForWantOfADisplay.reset();
+    if (!isChosen && !m_shownForWantOfADisplay)
         return Failure{"nothing is seen that the user does not ask for", nameOf(active)};
     return {};
 }
@@ -150,9 +154,11 @@ std::optional<Failure> Checkers::checkFollowed() const {
             wanted = picked.front();
         else if (active && std::ranges::find(picked, *active) == picked.end())
             return Failure{"by hand, only what was picked is shown", nameOf(active)};
-        else if (!active && std::ranges::any_of(picked, [this](auto source) {
-                     return canBeCaptured(m_desktop, source);
-                 }))
+        // Picks that are away stay on offer, and a start tries one other pick only: where two are
+        // away, it may be another of these.
+        const auto there = std::ranges::count_if(
+            picked, [this](auto source) { return canBeCaptured(m_desktop, source); });
+        if (!active && there > 0 && there + 2 > static_cast<std::ptrdiff_t>(picked.size()))
             return Failure{"by hand, one of the picks that are there is shown", ""};
     }
     if (wanted && canBeCaptured(m_desktop, *wanted) && active != wanted)

@@ -31,6 +31,19 @@ void Checkers::shortcutFailuresChange(const ShortcutFailures& failures) {
     m_editsAtFailure = edits;
 }
 
+/// An action that had a hot key has one afterwards, or it is told that it could not be put back.
+void Checkers::registeredActionsChange(const ShortcutActions& actions) {
+    const auto& shortcuts = m_program.globalShortcuts();
+    const auto& failures = shortcuts.operationFailures().get();
+    for (const auto action : shortcuts.registeredActions().get()) {
+        const auto failure = failures.find(action);
+        const bool isTold =
+            failure != failures.end() && failure->second.kind == ShortcutFailure::Kind::restoration;
+        if (!actions.contains(action) && !isTold)
+            noteMeanwhile("what was in force is put back", std::string(rawValue(action)));
+    }
+}
+
 std::optional<Failure> Checkers::checkHotKeys() const {
     auto& shortcuts = m_program.globalShortcuts();
     const auto registered = m_desktop.keyboard().registered();
@@ -39,11 +52,23 @@ std::optional<Failure> Checkers::checkHotKeys() const {
     if (registered.size() != actions.size())
         return Failure{"registered hot keys are what the registry says",
                        fmt::format("{} of {}", registered.size(), actions.size())};
+    for (const auto action : actions) {
+        const auto binding = shortcuts.registeredBinding(action);
+        if (!binding ||
+            !contains(registered, SimulatedKeyCombination{binding->keyCode, binding->modifiers}))
+            return Failure{"a registered action has the hot key of the registry",
+                           std::string(rawValue(action))};
+    }
     const auto& bindings = m_program.settings().shortcutBindings.get();
     for (const auto& [action, binding] : bindings) {
         const SimulatedKeyCombination wanted{binding.keyCode, binding.modifiers};
         const bool isRegistered = contains(registered, wanted);
-        if (actions.contains(action) && !failures.contains(action) && !isRegistered)
+        // One that the system would not give up stays in force, and is put back when a later edit
+        // fails for another reason.
+        const auto inForce = shortcuts.registeredBinding(action);
+        const bool wasStuck =
+            inForce && m_desktop.keyboard().wasStuck({inForce->keyCode, inForce->modifiers});
+        if (actions.contains(action) && !failures.contains(action) && !isRegistered && !wasStuck)
             return Failure{"a registered action has the hot key that is shown",
                            std::string(rawValue(action))};
         const bool isAllWell = failures.empty() && shortcuts.duplicateActions().get().empty();

@@ -24,11 +24,17 @@ TRACKER = "Core/ActiveDisplayTracker/ActiveDisplayTracker.cpp"
 MUTATIONS = [
     # The controller.
     Mutation("start-while-stopping", CONTROLLER + "Lifecycle.cpp",
-             "    if (state.isActive() || state == CaptureSessionState::stopping())\n"
-             "        return;\n\n    const auto permission",
-             "    if (state.isActive())\n        return;\n\n    const auto permission"),
+             "    if (isOnOrStopping())\n        return;\n"
+             "    const auto permission = m_with.permissionAccess.ensure();\n"
+             "    m_permissionStatus.set(permission);\n"
+             "    // A dialog may have run the main loop: whoever started meanwhile has begun the "
+             "session.\n    if (isOnOrStopping())",
+             "    if (isSessionActive())\n        return;\n"
+             "    const auto permission = m_with.permissionAccess.ensure();\n"
+             "    m_permissionStatus.set(permission);\n    if (isSessionActive())"),
     Mutation("stop-ends-whatever-runs-by-now", CONTROLLER + "Lifecycle.cpp",
-             "    if (m_sessionState.get() == CaptureSessionState::stopping())\n"
+             "    if (session == m_sessionNumber && "
+             "m_sessionState.get() == CaptureSessionState::stopping())\n"
              "        m_sessionState.set(CaptureSessionState::stopped());\n"
              "    else\n        co_await restoreRunningStream();",
              "    m_sessionState.set(CaptureSessionState::stopped());"),
@@ -80,7 +86,26 @@ MUTATIONS = [
     Mutation("mode-change-leaves-the-source", CONTROLLER + "Following.cpp",
              "    if (isSessionActive())\n        applyManualSources("
              "m_with.settings.manualSources.get());\n", ""),
+    Mutation("overtaken-start-goes-on", CONTROLLER + "Lifecycle.cpp",
+             "    co_await refreshAvailableSources();\n    if (session != m_sessionNumber)\n"
+             "        co_return;\n",
+             "    co_await refreshAvailableSources();\n"),
+    Mutation("safe-stop-goes-on-after-its-session", CONTROLLER + "Lifecycle.cpp",
+             "    if (!isActive(session)) {\n        co_await restoreRunningStream();\n"
+             "        co_return;\n    }\n",
+             "    (void)session;\n"),
+    Mutation("overtaken-switch-is-kept", CONTROLLER + "Switching.cpp",
+             "        logError(\"capture switch failed\", result.error());\n"
+             "    if (!isCurrent(request)) {",
+             "        logError(\"capture switch failed\", result.error());\n"
+             "    (void)request;\n    if (!isSessionActive()) {"),
     # The engine.
+    Mutation("overtaken-stream-is-kept", ENGINE + "Reconfiguration.cpp",
+             "    // From here on, letting go of a stream that has started stops it.\n"
+             "    if (isOvertaken())\n        co_return overtaken();\n",
+             ""),
+    Mutation("late-report-is-believed", ENGINE + "CaptureEngineState.cpp",
+             "    if (stopped != running)\n        return;\n", ""),
     Mutation("stop-leaves-the-last-frame", ENGINE + "CaptureEngine.cpp",
              "    state->forgetStream();\n    state->hideFrames();\n",
              "    state->forgetStream();\n"),
@@ -118,6 +143,10 @@ MUTATIONS = [
     # The registry.
     Mutation("half-a-set-stays-registered", SHORTCUTS,
              "    removeFresh(fresh, failures);\n", ""),
+    Mutation("refused-set-is-not-rolled-back", SHORTCUTS,
+             "    removeFresh(fresh, failures);\n"
+             "    restorePrevious(previous, unregistered, failures);\n",
+             "    removeFresh(fresh, failures);\n"),
     Mutation("roll-back-tells-nothing", SHORTCUTS,
              "    m_registeredActions.set(keys(m_registrations));\n}\n\n"
              "bool GlobalShortcuts::refuse",

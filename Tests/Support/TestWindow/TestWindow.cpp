@@ -239,6 +239,11 @@ void TestWindow::setText(std::string_view name, std::string_view type, std::stri
     sync(m_connection);
 }
 
+void TestWindow::removeProperty(std::string_view name) {
+    xcb_delete_property(m_connection, m_window, atom(name));
+    sync(m_connection);
+}
+
 xcb_atom_t TestWindow::atom(std::string_view name) const {
     const auto cookie =
         xcb_intern_atom(m_connection, 0, static_cast<std::uint16_t>(name.size()), name.data());

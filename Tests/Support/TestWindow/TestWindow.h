@@ -77,6 +77,7 @@ public:
     void setProperty(std::string_view name, xcb_atom_t type,
                      const std::vector<std::uint32_t>& items);
     void setText(std::string_view name, std::string_view type, std::string_view text);
+    void removeProperty(std::string_view name);
     [[nodiscard]] xcb_atom_t atom(std::string_view name) const;
 
     /// What the pattern holds at a pixel of the window, 0xff in the alpha.

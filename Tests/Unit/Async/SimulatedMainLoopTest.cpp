@@ -194,6 +194,26 @@ TEST(SimulatedMainLoopEnd, TimersMayOutliveTheLoopAndItsWorkIsDropped) {
     EXPECT_EQ(marker.use_count(), 1);
 }
 
+TEST_F(SimulatedMainLoopTest, WhatSlowQueuesPostArrivesLateAndInItsOrder) {
+    const auto queue = m_loop.makeSerialQueue("samples");
+    const auto postFromQueue = [&](char letter) {
+        queue->post([this, letter] { m_loop.post(note(letter)); });
+        m_loop.runUntilIdle();
+    };
+    m_loop.setDelayOfQueues(Seconds(2));
+    postFromQueue('c');
+    m_loop.post(note('a'));
+    m_loop.advance(Seconds(1.5));
+    EXPECT_EQ(m_log, "a");
+    m_loop.setDelayOfQueues(Seconds(0));
+    postFromQueue('d');
+    EXPECT_EQ(m_log, "a") << "it does not overtake";
+    m_loop.advance(Seconds(0.5));
+    EXPECT_EQ(m_log, "acd");
+    postFromQueue('e');
+    EXPECT_EQ(m_log, "acde");
+}
+
 TEST(SimulatedMainLoopEnd, WorkThatIsDroppedMayPostMore) {
     struct Posting {
         explicit Posting(SimulatedMainLoop& target)

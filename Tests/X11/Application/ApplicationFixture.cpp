@@ -7,6 +7,7 @@
 #include "Tests/Support/Processes/FileContent.h"
 #include "Tests/Support/Processes/Waiting.h"
 #include "Tests/Support/XServer/Reply.h"
+#include "Tests/X11/Application/Paths.h"
 #include "Tests/X11/Application/Presentation.h"
 
 #include <algorithm>
@@ -73,7 +74,7 @@ void ApplicationFixture::start(std::string_view settings) {
 }
 
 void ApplicationFixture::start() {
-    start(std::vector<std::string>{KESTROVE_PROGRAM});
+    start(std::vector<std::string>{programPath()});
 }
 
 void ApplicationFixture::start(const std::vector<std::string>& command) {

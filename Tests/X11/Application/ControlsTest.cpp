@@ -2,6 +2,8 @@
 #include "Tests/Support/XServer/KeyPresses.h"
 #include "Tests/X11/Application/ApplicationFixture.h"
 
+#include <cstdlib>
+
 namespace kestrove::test {
 namespace {
 
@@ -41,6 +43,35 @@ TEST_P(Controls, StartAndStopByTheMenu) {
     openMenuByKey();
     chooseFromMenu(1);
     EXPECT_TRUE(shows(right, "started again"));
+}
+
+TEST_P(Controls, KeepTheSizeThatTheUserHasChosenRightAfterTheStart) {
+    const auto startOrStop = [this] {
+        pressTogether(desktop.connection(), {ServerKey::control, ServerKey::super, ServerKey::s});
+    };
+    press(Key::space);
+    ASSERT_TRUE(shows(right, "started"));
+    ASSERT_TRUE(waitUntil([this] {
+        const auto now = outputPlace();
+        return std::abs(now.width * rightPlace.height - now.height * rightPlace.width) <=
+               rightPlace.width;
+    })) << "it takes the shape of the display first";
+    constexpr xcb_rectangle_t chosen{20, 40, 600, 375};
+    placeOutput(chosen);
+    ASSERT_TRUE(shows(right, "in its new size"));
+    // A hand that rests has chosen a size: asked so often, it has rested for long enough.
+    int inARow = 0;
+    constexpr int enough = 500;
+    ASSERT_TRUE(waitUntil([&] {
+        inARow = outputPlace().width == chosen.width ? inARow + 1 : 0;
+        return inARow >= enough;
+    }));
+    startOrStop();
+    ASSERT_TRUE(showsPlaceholder("stopped"));
+    startOrStop();
+    EXPECT_TRUE(shows(right, "started again"));
+    EXPECT_EQ(outputPlace().width, chosen.width);
+    EXPECT_EQ(outputPlace().height, chosen.height);
 }
 
 TEST_P(Controls, KeepSharingWhenTheMenuIsLeftByEscape) {

@@ -3,6 +3,7 @@
 #include "Tests/Support/Processes/Waiting.h"
 #include "Tests/Support/XServer/Reply.h"
 #include "Tests/X11/Application/ApplicationFixture.h"
+#include "Tests/X11/Application/Paths.h"
 
 #include <algorithm>
 #include <csignal>
@@ -75,7 +76,7 @@ TEST(WithoutAServer, SaysSoInALineAndEnds) {
     for (const std::string display : {"DISPLAY=", "DISPLAY=:65000", "DISPLAY=nonsense"}) {
         const auto log = folder.path() / "log";
         std::filesystem::remove(log);
-        ChildProcess program({.command = {KESTROVE_PROGRAM},
+        ChildProcess program({.command = {programPath()},
                               .environment = {display, "XDG_CONFIG_HOME=" + folder.path().string()},
                               .log = log,
                               .keptDescriptors = {}});

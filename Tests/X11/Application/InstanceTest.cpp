@@ -1,5 +1,6 @@
 #include "Tests/Support/Processes/Waiting.h"
 #include "Tests/X11/Application/ApplicationFixture.h"
+#include "Tests/X11/Application/Paths.h"
 
 #include <algorithm>
 #include <csignal>
@@ -13,14 +14,13 @@ namespace {
 class Instance : public ApplicationFixture {
 protected:
     [[nodiscard]] std::unique_ptr<ChildProcess> startAgain() {
-        return desktop.start({KESTROVE_PROGRAM});
+        return desktop.start({programPath()});
     }
 
     /// Whether, of so many starts together, one goes on and the others end in order.
     [[nodiscard]] testing::AssertionResult oneStaysOf(int count) {
-        std::vector<std::unique_ptr<ChildProcess>> started;
-        for (int each = 0; each < count; ++each)
-            started.push_back(startAgain());
+        std::vector<std::unique_ptr<ChildProcess>> started(static_cast<std::size_t>(count));
+        std::ranges::generate(started, [this] { return startAgain(); });
         const auto isRunning = [](const auto& each) { return each->isRunning(); };
         (void)waitUntil([&] { return std::ranges::count_if(started, isRunning) <= 1; });
         if (std::ranges::count_if(started, isRunning) != 1)
@@ -73,8 +73,8 @@ TEST_F(Instance, SaysSoWhenTheFirstDoesNotAnswer) {
 TEST_F(Instance, IsOneForEachServer) {
     start("");
     XDesktop other;
-    const auto there = other.start({KESTROVE_PROGRAM});
-    const auto again = other.start({KESTROVE_PROGRAM});
+    const auto there = other.start({programPath()});
+    const auto again = other.start({programPath()});
     // Which of the two was first on the other server is theirs to settle.
     ASSERT_TRUE(waitUntil([&] { return !there->isRunning() || !again->isRunning(); }));
     EXPECT_NE(there->isRunning(), again->isRunning());

@@ -2,17 +2,17 @@
 #include "Tests/Support/Processes/Waiting.h"
 #include "Tests/Support/TestWindow/TestWindow.h"
 #include "Tests/X11/Application/ApplicationFixture.h"
+#include "Tests/X11/Application/Browser.h"
 #include "Tests/X11/Application/NotifierHost.h"
+#include "Tests/X11/Application/Paths.h"
 
-#include <filesystem>
 #include <string>
 #include <vector>
 
 namespace kestrove::test {
 namespace {
 
-/// A desktop whose tray is of the newer kind, and draws the menus of its icons itself. The browser
-/// is a program that writes down what it is to open.
+/// A desktop whose tray is of the newer kind, and draws the menus of its icons itself.
 class Notifier : public ApplicationFixture {
 protected:
     Notifier()
@@ -21,17 +21,11 @@ protected:
     }
 
     void startWithBrowser(std::string_view settings) {
-        const auto folder = desktop.folder() / "bin";
-        std::filesystem::create_directories(folder);
-        setContent(folder / "xdg-open",
-                   "#!/bin/sh\nprintf %s \"$1\" > " + opened().string() + "\n");
-        std::filesystem::permissions(folder / "xdg-open", std::filesystem::perms::owner_all);
         writeSettings(settings);
-        start({"env", "PATH=" + folder.string() + ":/usr/bin:/bin", KESTROVE_PROGRAM});
+        start({"env", browser.path(), programPath()});
         ASSERT_TRUE(tray.hasIcon()) << program().logTail();
     }
 
-    [[nodiscard]] std::filesystem::path opened() const { return desktop.folder() / "opened"; }
     [[nodiscard]] bool hasSaved(std::string_view line) const {
         return waitUntil([&] { return contentOf(settingsFile()).contains(line); });
     }
@@ -53,6 +47,7 @@ protected:
         return waitUntil([&] { return tray.click(start); });
     }
 
+    Browser browser{desktop.folder()};
     NotifierHost tray{desktop.sessionBusAddress()};
 };
 
@@ -108,8 +103,8 @@ TEST_F(Notifier, DoesWhatEachEntryOfItsMenuSays) {
     EXPECT_TRUE(waitUntil([this] { return find("Kestrove 設定") != XCB_WINDOW_NONE; }));
     ASSERT_TRUE(click("プライバシーポリシー"));
     EXPECT_TRUE(waitUntil([this] {
-        return contentOf(opened()).ends_with("/share/kestrove/privacy-policy.html");
-    })) << contentOf(opened());
+        return browser.opened().ends_with("/share/kestrove/privacy-policy.html");
+    })) << browser.opened();
     ASSERT_TRUE(click("Kestrove を終了"));
     EXPECT_TRUE(endsWith(0));
 }

@@ -15,7 +15,8 @@ constexpr std::uint16_t pointerSize = 12; ///< a square; the hot spot is its upp
 void fill(PixelImage& image, int left, int top, int width, int height, Color color) {
     for (int y = std::max(0, top); y < std::min(image.height, top + height); ++y) {
         for (int x = std::max(0, left); x < std::min(image.width, left + width); ++x) {
-            image.pixels[static_cast<std::size_t>(y * image.width + x)] = color;
+            image.pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(image.width) +
+                         static_cast<std::size_t>(x)] = color;
         }
     }
 }
@@ -58,6 +59,11 @@ void PaintedDisplay::paint(const xcb_rectangle_t& rectangle, Color color) {
     fill(m_picture, rectangle.x, rectangle.y, rectangle.width, rectangle.height, color);
     m_window.fillRectangle(rectangle, color);
     m_painted = rectangle;
+}
+
+void PaintedDisplay::paintAgain() {
+    m_window.unmap();
+    m_window.show();
 }
 
 bool PaintedDisplay::isOnScreen() const {

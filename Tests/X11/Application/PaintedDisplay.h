@@ -21,6 +21,8 @@ public:
     [[nodiscard]] PixelImage picture() const;
     /// Whether what was painted last is on the screen: a compositor may not have shown it.
     [[nodiscard]] bool isOnScreen() const;
+    /// The same in a new picture of the window, for a compositor that has lost the old one.
+    void paintAgain();
 
 private:
     void usePointer();

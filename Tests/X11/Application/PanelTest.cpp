@@ -1,6 +1,7 @@
 #include "Tests/Support/Processes/Waiting.h"
 #include "Tests/Support/XServer/KeyPresses.h"
 #include "Tests/Support/XServer/Reply.h"
+#include "Tests/X11/Application/Paths.h"
 #include "Tests/X11/Application/TrayFixture.h"
 
 #include <chrono>
@@ -50,7 +51,7 @@ protected:
 
     /// Whether a later start ends in order and the panel gets the keyboard.
     [[nodiscard]] bool startAgain() {
-        const auto later = desktop.start({KESTROVE_PROGRAM});
+        const auto later = desktop.start({programPath()});
         return later->waitForExit(patience) && later->exitCode() == 0 && waitUntil([this] {
                    auto* const connection = desktop.connection();
                    const Reply reply(xcb_get_input_focus_reply(

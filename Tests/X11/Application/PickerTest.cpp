@@ -5,6 +5,7 @@
 #include "Tests/Support/XServer/KeyPresses.h"
 #include "Tests/Support/XServer/Reply.h"
 #include "Tests/X11/Application/ApplicationFixture.h"
+#include "Tests/X11/Application/Paths.h"
 #include "Tests/X11/Application/SettingsWindow/SettingsWindowFixture.h"
 
 #include <optional>
@@ -138,7 +139,7 @@ protected:
         });
     }
     [[nodiscard]] bool showsAll(std::uint32_t color, std::string_view name) {
-        const PixelImage image{400, 300, std::vector<std::uint32_t>(400 * 300, color)};
+        const PixelImage image{400, 300, std::vector<std::uint32_t>(120'000, color)};
         return shows(image, name);
     }
 
@@ -252,7 +253,7 @@ TEST_F(PickerAccessibility, TellsEveryTileAndWhatBecomesOfIt) {
     const TestWindow window(desktop.displayName(),
                             {.geometry = {800, 100, 400, 300}, .title = "notes.txt"});
     writeSettings("kestrove.autoStart=true\nkestrove.followMode=mouse\n");
-    start(std::vector<std::string>{"env", "QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1", KESTROVE_PROGRAM});
+    start(std::vector<std::string>{"env", "QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1", programPath()});
     ASSERT_TRUE(shows(left, "the pointer's display"));
     pressControlSuper(Keys::p);
     EXPECT_TRUE(

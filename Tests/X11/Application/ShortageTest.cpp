@@ -6,6 +6,7 @@
 #include "Tests/Support/XServer/Reply.h"
 #include "Tests/X11/Application/ApplicationFixture.h"
 #include "Tests/X11/Application/NotifierHost.h"
+#include "Tests/X11/Application/Paths.h"
 
 #include <algorithm>
 #include <csignal>
@@ -82,7 +83,7 @@ protected:
     void startSharing() {
         writeSettings("kestrove.autoStart=true\nkestrove.followMode=mouse\n");
         // Told of a write that does not fit by its failure alone, as on a full disk.
-        start({"sh", "-c", "trap '' XFSZ; exec \"$0\"", KESTROVE_PROGRAM});
+        start({"sh", "-c", "trap '' XFSZ; exec \"$0\"", programPath()});
         ASSERT_TRUE(shows(left, "at first"));
     }
     void setRoom(rlim_t bytes) {

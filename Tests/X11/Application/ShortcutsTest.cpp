@@ -29,7 +29,14 @@ protected:
     void focusOther() {
         other.emplace(desktop.displayName(),
                       TestWindow::Options{.geometry = {4, 476, 30, 30}, .title = "other"});
-        EXPECT_TRUE(waitUntil([this] { return focused() == other->id(); }));
+        // The program's own wish for the focus, at its start, may come after this window's.
+        EXPECT_TRUE(waitUntil([this] {
+            const bool isFocused = focused() == other->id();
+            if (!isFocused && other->isViewable())
+                xcb_set_input_focus(desktop.connection(), XCB_INPUT_FOCUS_POINTER_ROOT, other->id(),
+                                    XCB_CURRENT_TIME);
+            return isFocused;
+        }));
     }
     [[nodiscard]] xcb_window_t focused() const {
         const Reply reply(xcb_get_input_focus_reply(
@@ -181,12 +188,12 @@ TEST_F(Shortcuts, AreEachDoneAsOftenAsTheyArePressed) {
     EXPECT_TRUE(stores("kestrove.hideOutputWindow=false"));
     EXPECT_TRUE(waitUntil([this] { return focused() == window(); }));
     focusOther();
-    // Started, stopped, and started again.
-    for (int time = 0; time < 3; ++time) {
-        press({Keys::s});
-        if (time == 1)
-            EXPECT_TRUE(showsPlaceholder("stopped by the second press"));
-    }
+    // Started, stopped, and started again. A press while it still ends would be one more stop.
+    press({Keys::s});
+    EXPECT_TRUE(shows(right, "started by the first press"));
+    press({Keys::s});
+    EXPECT_TRUE(showsPlaceholder("stopped by the second"));
+    press({Keys::s});
     keyUp(desktop.connection(), Keys::super);
     keyUp(desktop.connection(), Keys::control);
     EXPECT_TRUE(shows(right, "started by the third"));

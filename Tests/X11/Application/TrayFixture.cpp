@@ -11,12 +11,14 @@ namespace kestrove::test {
 TrayFixture::TrayFixture(SessionBus sessionBus)
     : ApplicationFixture(WindowManager::openbox, sessionBus) {}
 
-void TrayFixture::startTray(const std::string& edge, const std::string& align) {
+void TrayFixture::startTray(const std::string& edge, const std::string& align,
+                            const xcb_rectangle_t& display) {
+    const auto* const monitor = display.x == leftPlace.x ? "0" : "1";
     const auto side = std::to_string(traySide);
     m_tray.reset(); // there is one tray at a time
     m_tray = desktop.start({"trayer", "--edge", edge, "--align", align, "--widthtype", "pixel",
                             "--width", side, "--heighttype", "pixel", "--height", side, "--expand",
-                            "false"});
+                            "false", "--monitor", monitor});
     const auto hasTray = [this] {
         auto* const connection = desktop.connection();
         const auto cookie = xcb_get_selection_owner(connection, server.atom("_NET_SYSTEM_TRAY_S0"));
@@ -24,9 +26,8 @@ void TrayFixture::startTray(const std::string& edge, const std::string& align) {
         return owner && owner->owner != XCB_WINDOW_NONE;
     };
     EXPECT_TRUE(waitUntil(hasTray)) << m_tray->logTail();
-    const auto& place = leftPlace;
-    m_iconX = align == "left" ? place.x + traySide / 2 : place.x + place.width - traySide / 2;
-    m_iconY = edge == "top" ? traySide / 2 : place.height - traySide / 2;
+    m_iconX = align == "left" ? display.x + traySide / 2 : display.x + display.width - traySide / 2;
+    m_iconY = edge == "top" ? traySide / 2 : display.height - traySide / 2;
 }
 
 void TrayFixture::pointAtIcon() {

@@ -14,9 +14,10 @@ class TrayFixture : public ApplicationFixture {
 protected:
     explicit TrayFixture(SessionBus sessionBus = SessionBus::none);
 
-    /// In the corner of the left display between the edges "top" or "bottom" and "left" or "right".
+    /// In the corner of a display between the edges "top" or "bottom" and "left" or "right".
     /// Returns when the tray is there.
-    void startTray(const std::string& edge = "top", const std::string& align = "left");
+    void startTray(const std::string& edge = "top", const std::string& align = "left",
+                   const xcb_rectangle_t& display = leftPlace);
 
     /// Clicks the icon, which comes when the tray has taken it in.
     [[nodiscard]] bool clickIcon(std::uint8_t button);

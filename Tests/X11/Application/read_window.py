@@ -28,15 +28,37 @@ def value_of(element):
     return f"{value.minimumValue:g}..{value.currentValue:g}..{value.maximumValue:g}"
 
 
-def lines_of(element):
+def seen_of(element, room):
+    """The part of it that lies in all that holds it: left, top, right, bottom."""
+    try:
+        place = element.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
+    except NotImplementedError:
+        return room
+    whole = (place.x, place.y, place.x + place.width, place.y + place.height)
+    if room is None:
+        return whole
+    return (max(whole[0], room[0]), max(whole[1], room[1]),
+            min(whole[2], room[2]), min(whole[3], room[3]))
+
+
+def place_of(seen):
+    if seen is None or seen[2] <= seen[0] or seen[3] <= seen[1]:
+        return ""
+    return f"{seen[0]},{seen[1]},{seen[2] - seen[0]},{seen[3] - seen[1]}"
+
+
+def lines_of(element, room=None):
+    if element is None:
+        return  # it went while its parent was asked
     states = element.getState()
     if not states.contains(pyatspi.STATE_VISIBLE):
         return
+    seen = seen_of(element, room)
     named = [pyatspi.stateToString(state) for state in STATES if states.contains(state)]
     yield "|".join([element.getRoleName(), element.name, element.description, ",".join(named),
-                    ",".join(actions_of(element)), value_of(element)])
+                    ",".join(actions_of(element)), value_of(element), place_of(seen)])
     for child in element:
-        yield from lines_of(child)
+        yield from lines_of(child, seen)
 
 
 def windows():

@@ -107,7 +107,7 @@ PixelImage CaptureDesktop::screen(const xcb_rectangle_t& part) const {
 
 testing::AssertionResult CaptureDesktop::outputBecomes(const PixelImage& expected,
                                                        std::string_view name, int tolerance) {
-    (void)loop.spinUntil([&] { return areAlike(output(), expected, tolerance); }, Seconds(3));
+    (void)loop.spinUntil([&] { return areAlike(output(), expected, tolerance); });
     return samePixels(output(), expected, name, tolerance);
 }
 

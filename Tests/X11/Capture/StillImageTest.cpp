@@ -1,3 +1,4 @@
+#include "Tests/Support/XServer/ServerMemory.h"
 #include "Tests/X11/Capture/CaptureFixture.h"
 
 #include <algorithm>
@@ -152,6 +153,38 @@ TEST_F(StillImageTest, HasASizeThatTheServerCanDraw) {
         ASSERT_TRUE(m_test.loop.spinUntil([&] { return image.has_value(); }));
         EXPECT_FALSE(image->has_value()) << width << " x " << height;
     }
+}
+
+TEST_F(StillImageTest, FailsWhereTheServerHasNoMemoryForIt) {
+    const TestWindow large(
+        m_test.desktop.displayName(),
+        {.geometry = {0, 0, 6000, 6000}, .color = drawnColor, .overrideRedirect = true});
+    const TestWindow small(
+        m_test.desktop.displayName(),
+        {.geometry = {0, 0, 300, 200}, .color = 0xff804020, .overrideRedirect = true});
+    ServerMemory memory(m_test.desktop.server());
+    memory.keepPicture(large.id());
+    const auto taken = [&](const TestWindow& window) {
+        std::optional<Image> image;
+        m_tasks.launch(take(*m_test.capture, WindowFilter(window.id()), sized(480, 320), &image));
+        EXPECT_TRUE(m_test.loop.spinUntil([&] { return image.has_value(); }));
+        return image.value_or(std::unexpected(PlatformError("test", 0)));
+    };
+    // A picture of the large window takes 144 MB, the first step of making it smaller 36 MB: there
+    // is memory for neither, then for the former alone.
+    for (const rlim_t spare : {24'000'000, 164'000'000}) {
+        memory.limit(spare);
+        const auto refused = taken(large);
+        ASSERT_FALSE(refused) << "with " << spare << " bytes";
+        EXPECT_EQ(refused.error().code, XCB_ALLOC);
+        const auto other = taken(small);
+        ASSERT_TRUE(other);
+        EXPECT_EQ(pixel(*other, 240, 160), 0xff804020U);
+        memory.free();
+    }
+    const auto image = taken(large);
+    ASSERT_TRUE(image);
+    EXPECT_EQ(pixel(*image, 240, 160), drawnColor);
 }
 
 TEST_F(StillImageTest, OfADisplayHasNoWindowThatIsNeverCaptured) {

@@ -52,15 +52,17 @@ TEST_F(WindowIdentityTest, MakesEveryTitleValid) {
     EXPECT_EQ(identityOf(*window).title, std::nullopt);
 }
 
-TEST_F(WindowIdentityTest, KnowsTheProcessOnlyOfAWindowOfThisMachine) {
+TEST_F(WindowIdentityTest, TakesTheProcessThatAWindowOfThisMachineNamesElseTheServersOwn) {
     const auto window = makeWindow({.processIdentifier = 4711});
     EXPECT_EQ(identityOf(*window).processID, 4711);
     window->setText("WM_CLIENT_MACHINE", "STRING", "elsewhere.example");
-    EXPECT_EQ(identityOf(*window).processID, std::nullopt);
+    EXPECT_EQ(identityOf(*window).processID, getpid()) << "who is connected for that machine";
     const auto zero = makeWindow({.processIdentifier = 0});
-    EXPECT_EQ(identityOf(*zero).processID, std::nullopt);
+    EXPECT_EQ(identityOf(*zero).processID, getpid());
     const auto huge = makeWindow({.processIdentifier = 0xFFFFFFFF});
-    EXPECT_EQ(identityOf(*huge).processID, std::nullopt);
+    EXPECT_EQ(identityOf(*huge).processID, getpid());
+    huge->removeProperty("_NET_WM_PID");
+    EXPECT_EQ(identityOf(*huge).processID, getpid());
 }
 
 TEST_F(WindowIdentityTest, NamesTheApplicationByTheBestNameThatItGives) {

@@ -48,8 +48,9 @@ struct Usage {
 class Leaks : public SourcesFixture {
 protected:
     [[nodiscard]] Usage usage() {
+        const auto resources = settledResources();
         return {residentMemory(getpid()), residentMemory(server().process().processIdentifier()),
-                countIn("/proc/self/fd"), countIn("/proc/self/task"), resources()};
+                countIn("/proc/self/fd"), countIn("/proc/self/task"), resources};
     }
 
     /// The pointer goes to the other display, and the session follows.
@@ -69,6 +70,19 @@ protected:
     }
 
 private:
+    /// Once the first frame of what is shared is drawn, for which more is made.
+    [[nodiscard]] long settledResources() {
+        long last = -1;
+        int inARow = 0;
+        constexpr int enough = 50;
+        EXPECT_TRUE(loop.spinUntil([&] {
+            const long now = resources();
+            inARow = now == last ? inARow + 1 : 0;
+            last = now;
+            return inARow >= enough;
+        }));
+        return last;
+    }
     [[nodiscard]] long resources() {
         // Asked by the test's own connection: what it holds itself stays the same.
         auto* const connection = x11Desktop->connection().get();

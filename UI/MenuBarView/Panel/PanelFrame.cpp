@@ -104,18 +104,27 @@ void PanelFrame::place() {
     const QSize wanted(m_view->preferredWidth() + scrollBar, m_view->preferredHeight() + scrollBar);
     if (wanted.height() == m_placedHeight)
         return;
-    const bool isFirstTime = m_placedHeight == 0;
     m_placedHeight = wanted.height();
     if (m_anchor) {
         const auto* screen = QGuiApplication::screenAt(m_anchor->center());
         if (screen == nullptr)
             screen = QGuiApplication::primaryScreen();
         setGeometry(panelPlace(wanted, *m_anchor, screen->availableGeometry()));
-    } else if (isFirstTime) {
-        // Its size is the user's from then on.
-        const auto most = screen()->availableSize() * mostOfTheScreen;
-        resize(wanted.boundedTo(most));
+    } else {
+        grow(wanted);
     }
+}
+
+void PanelFrame::grow(QSize wanted) {
+    const bool isFirstTime = m_ownSize.isEmpty();
+    if (!isFirstTime && size() != m_ownSize)
+        return;
+    const auto available = screen()->availableGeometry();
+    m_ownSize = wanted.boundedTo(available.size() * mostOfTheScreen).expandedTo(m_ownSize);
+    resize(m_ownSize);
+    const int below = frameGeometry().bottom() - available.bottom();
+    if (!isFirstTime && below > 0)
+        move(frameGeometry().x(), std::max(available.top(), frameGeometry().y() - below));
 }
 
 void PanelFrame::keyPressEvent(QKeyEvent* event) {

@@ -36,12 +36,18 @@ private:
     void follow(MenuBarView& view);
     /// To the content's present height, at the anchor.
     void place();
+    /// A window of its own has room for what it shows, as far as the screen has: it is opened
+    /// before the list of sources has been read. Once somebody else has given it a size, that one
+    /// counts.
+    void grow(QSize wanted);
 
     MenuBarView& m_menu;
     std::optional<QRect> m_anchor;
     PanelView* m_view;
     QScrollArea* m_scroll;
     int m_placedHeight = 0;
+    /// That of a window of its own as long as nobody else has given it another one.
+    QSize m_ownSize;
     QElapsedTimer m_sinceOpened;
     Subscription m_changed;
 };

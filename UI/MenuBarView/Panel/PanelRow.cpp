@@ -34,6 +34,7 @@ PanelRowContent panelRow(const MenuSourceRow& row) {
             .title = row.title,
             .subtitle = row.subtitle.value_or(""),
             .symbol = row.symbol,
+            .isEnabled = row.isEnabled,
             .isChecked = row.isSelected,
             .isLive = row.isLive};
 }

@@ -189,6 +189,10 @@ QSize panelRowSize(const PanelRowContent& content, const QFont& font) {
     return {width + 2 * measures.side(), height + 2 * measures.top(content.kind)};
 }
 
+QColor panelLineColor(const QPalette& palette) {
+    return veil(palette, 60);
+}
+
 int panelRowIndent(const QFont& font) {
     return Measures(font).side();
 }

@@ -25,6 +25,9 @@ void drawPanelRow(QPainter& painter, const PanelRowContent& content, const Panel
 /// What the row needs to show all of it.
 [[nodiscard]] QSize panelRowSize(const PanelRowContent& content, const QFont& font);
 
+/// Of lines between rows: seen on light grounds and on dark ones.
+[[nodiscard]] QColor panelLineColor(const QPalette& palette);
+
 /// Where a row's symbol begins, from its left edge: captions between rows stand in line with it.
 [[nodiscard]] int panelRowIndent(const QFont& font);
 

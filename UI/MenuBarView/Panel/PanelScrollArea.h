@@ -16,10 +16,15 @@ public:
     [[nodiscard]] QSize minimumSizeHint() const override;
 
 protected:
+    bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    /// A line where the lists are cut, so that they are not taken to go on in what lies beside
+    /// them.
+    void drawEnds();
+
     QSize m_least;
 };
 

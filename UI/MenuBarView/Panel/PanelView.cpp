@@ -8,8 +8,8 @@
 #include "UI/MenuBarView/Panel/PanelSources.h"
 #include "UI/SettingsView/FormWidgets.h"
 
-#include <QFrame>
 #include <QKeyEvent>
+#include <QPainter>
 
 #include <algorithm>
 #include <iterator>
@@ -41,6 +41,16 @@ bool opensSomethingElse(MenuCommand command) {
     }
     std::unreachable();
 }
+
+class Divider final : public QWidget {
+public:
+    Divider() { setFixedHeight(1); }
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QPainter(this).fillRect(rect(), panelLineColor(palette()));
+    }
+};
 
 void append(std::vector<PanelRow*>& rows, const std::vector<PanelRow*>& more) {
     rows.insert(rows.end(), more.begin(), more.end());
@@ -117,11 +127,7 @@ void PanelView::addSources() {
 void PanelView::addDivider() {
     const int room = fontMetrics().height() / 3;
     m_layout.addSpacing(room);
-    auto* const line = new QFrame;
-    line->setFrameShape(QFrame::HLine);
-    line->setFrameShadow(QFrame::Plain);
-    line->setForegroundRole(QPalette::Mid);
-    m_layout.addWidget(line);
+    m_layout.addWidget(new Divider);
     m_layout.addSpacing(room);
 }
 

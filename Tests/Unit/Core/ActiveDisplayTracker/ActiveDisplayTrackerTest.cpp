@@ -29,6 +29,20 @@ TEST_F(ActiveDisplayTrackerTest, StartingAgainPublishesTheSameDisplayAgainAndNev
                               "published 1", "watch global pointer", "watch local pointer"}));
 }
 
+TEST_F(ActiveDisplayTrackerTest, WhoCouldNotShowADisplayIsToldOnceMore) {
+    start(FollowMode::mouse);
+    m_tracker.announceNext();
+    EXPECT_EQ(settle(), Calls()) << "not before the user does something";
+    for (const Calls& expected : {Calls{"published 1"}, Calls()}) {
+        m_desktop.movePointer(onFirst);
+        EXPECT_EQ(settle(), expected);
+    }
+    m_tracker.announceNext();
+    start(FollowMode::mouse);
+    m_desktop.movePointer(onFirst);
+    EXPECT_EQ(settle(), Calls()) << "it was told when it started";
+}
+
 TEST_F(ActiveDisplayTrackerTest, ChangingTheModeChangesWhatIsWatched) {
     start(FollowMode::mouse);
     m_tracker.start(FollowMode::focusedApp);

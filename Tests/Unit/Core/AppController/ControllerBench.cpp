@@ -104,6 +104,8 @@ ScreenRecordingPermissionAccess ControllerBench::permissionAccess() {
     return {.ensure =
                 [this] {
                     calls.add("ensure permission");
+                    if (const auto happens = std::exchange(whileAsked, {}))
+                        happens();
                     return permission;
                 },
             .current = [this] { return permission; },

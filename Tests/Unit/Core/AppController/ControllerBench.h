@@ -11,6 +11,7 @@
 #include "Tests/Support/ScriptedDesktop/ScriptedWorkspace.h"
 #include "Tests/Unit/Core/AppController/ScriptedCollaborators.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -78,6 +79,8 @@ public:
     GlobalShortcuts shortcuts{std::make_unique<ScriptedHotKeyRegistrar>(keyboard), log,
                               "dev.kestrove"};
     ScreenRecordingPermission permission = ScreenRecordingPermission::granted;
+    /// What happens while the user is asked for the permission, once.
+    std::function<void()> whileAsked;
 
     std::unique_ptr<AppSettings> settings;
     std::unique_ptr<ActiveDisplayTracker> tracker;

@@ -60,6 +60,30 @@ TEST(AppControllerOverlap, ALateStopDoesNotLeaveTheNextSessionWithoutItsStream) 
     EXPECT_EQ(bench.engine.currentSource(), display1);
 }
 
+TEST(AppControllerOverlap, ALateStopDoesNotEndTheStoppingOfTheNextSession) {
+    ControllerBench bench;
+    bench.create();
+    bench.startAndRun();
+    bench.gate.hold();
+    bench.controller->stop();
+    bench.controller->stop();
+    bench.settle();
+    letThrough(bench, Order::newestFirst);
+    ASSERT_EQ(bench.state(), State::stopped());
+    bench.controller->start();
+    bench.settle();
+    letThrough(bench, Order::newestFirst);
+    letThrough(bench, Order::newestFirst);
+    ASSERT_EQ(bench.state(), State::running());
+    bench.controller->stop();
+    bench.settle();
+    ASSERT_EQ(bench.gate.waiting(), (Events{"engine stop", "engine stop"}));
+    letThrough(bench, Order::oldestFirst);
+    EXPECT_EQ(bench.state(), State::stopping()) << "its own stream has not stopped yet";
+    letThrough(bench, Order::oldestFirst);
+    EXPECT_EQ(bench.state(), State::stopped());
+}
+
 TEST(AppControllerOverlap, ALateRecoveryDoesNotBeginTheNextSessionsFollowing) {
     ControllerBench bench;
     bench.create();
@@ -134,6 +158,30 @@ TEST(AppControllerOverlap, ALateStartDoesNotSwitchInTheNextSession) {
     const auto calls = bench.events();
     EXPECT_EQ(std::ranges::count(calls, "engine switch display 1"), 0);
     EXPECT_EQ(bench.state(), State::running());
+}
+
+// Window numbers come again.
+TEST(AppControllerOverlap, ALateRefreshDoesNotGiveUpWhatWasPickedMeanwhile) {
+    ControllerBench bench;
+    bench.createManual({window5});
+    bench.startAndRun();
+    bench.gate.hold();
+    bench.existence.answers[5] = WindowExistence::terminated;
+    bench.scheduler.tick();
+    bench.settle();
+    letThrough(bench, Order::oldestFirst);
+    ASSERT_EQ(bench.gate.waiting(), Events{"engine stop"});
+    bench.existence.answers.clear();
+    const WindowOwnerIdentity viewer{51, "org.example.viewer"};
+    bench.controller->toggleSource(window5, viewer);
+    bench.controller->toggleSource(window5, viewer);
+    bench.settle();
+    bench.gate.open();
+    bench.settle();
+    EXPECT_EQ(bench.settings->manualSources.get(), std::vector{window5});
+    EXPECT_EQ(bench.state(), State::running());
+    EXPECT_EQ(bench.active(), window5);
+    EXPECT_EQ(bench.diagnostics.lines, Events());
 }
 
 } // namespace

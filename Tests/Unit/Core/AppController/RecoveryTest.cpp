@@ -44,11 +44,31 @@ TEST(AppControllerRecovery, ADisplayThatFailsButStaysListedIsNotTriedWithoutEnd)
     bench.pointAt(2);
     EXPECT_EQ(bench.state(), State::running());
     EXPECT_EQ(bench.active(), display1);
+    (void)bench.events();
+    for (int movement = 0; movement < 3; ++movement)
+        bench.pointAt(2);
+    EXPECT_EQ(std::ranges::count(bench.events(), "engine switch display 2"), 1);
+    EXPECT_EQ(bench.active(), display1);
     // When the pointer comes back to it, it is tried again.
     bench.pointAt(1);
     bench.engine.failures.clear();
     bench.pointAt(2);
     EXPECT_EQ(bench.active(), display2);
+}
+
+TEST(AppControllerRecovery, ADisplayThatFailedOnceIsShownWhenTheUserGoesOnThere) {
+    ControllerBench bench;
+    bench.create();
+    bench.startAndRun();
+    for (int time = 0; time < 2; ++time) {
+        bench.engine.failFor(display2, refused);
+        bench.pointAt(2);
+        ASSERT_EQ(bench.active(), display1);
+        bench.engine.failures.clear();
+        bench.pointAt(2);
+        EXPECT_EQ(bench.active(), display2);
+        bench.pointAt(1);
+    }
 }
 
 TEST(AppControllerRecovery, OfTheFirstSwitchFollowsOnOnce) {

@@ -1,5 +1,6 @@
 #include "Tests/Unit/Core/AppController/ControllerBench.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace kestrove {
@@ -85,6 +86,22 @@ TEST(AppControllerStart, DoesNothingWhileASessionIsOnOrStopping) {
     bench.controller->stop();
     bench.settle();
     expectIgnored(State::stopping());
+}
+
+// Asking may run a dialog, and with it the main loop.
+TEST(AppControllerStart, ASecondOneWhileThePermissionIsAskedForBeginsTheOnlySession) {
+    ControllerBench bench;
+    bench.create();
+    bench.whileAsked = [&bench] {
+        bench.controller->start();
+        bench.settle();
+        EXPECT_EQ(bench.state(), State::running());
+    };
+    bench.controller->start();
+    bench.settle();
+    EXPECT_EQ(std::ranges::count(bench.events(), "state starting"), 1);
+    EXPECT_EQ(bench.state(), State::running());
+    EXPECT_EQ(bench.active(), display1);
 }
 
 TEST(AppControllerStart, BeginsWithTheDisplayUnderThePointerInBothAutomaticModes) {

@@ -36,6 +36,20 @@ TEST(MenuState, NamesTheProductAndTheStatus) {
     EXPECT_EQ(menuContent(state).header.statusMessage, "ソース待ち");
 }
 
+TEST(MenuState, LetsOnlyUntickAWindowOfWhichNobodyKnowsWhoseItIs) {
+    auto state = someSources();
+    state.picks.followMode = FollowMode::manual;
+    const auto isEnabled = [&] {
+        return menuContent(state).sources.windows.rows.front().isEnabled;
+    };
+    EXPECT_TRUE(isEnabled());
+    state.availableSources.windows.front().windowOwner.reset();
+    EXPECT_FALSE(isEnabled());
+    EXPECT_TRUE(menuContent(state).sources.displays.rows.front().isEnabled);
+    state.picks.manualSources = {window5};
+    EXPECT_TRUE(isEnabled());
+}
+
 TEST(MenuState, HasNoRecoverySectionWithoutGuidance) {
     MenuState state;
     state.session = CaptureSessionState::running();
@@ -111,7 +125,7 @@ TEST(MenuState, OffersThePickerOnlyWhereThereIsOne) {
 
 TEST(MenuState, MarksTheFollowMode) {
     MenuState state;
-    state.followMode = FollowMode::focusedApp;
+    state.picks.followMode = FollowMode::focusedApp;
     const auto sources = menuContent(state).sources;
     EXPECT_EQ(sources.title, "共有するソース");
     ASSERT_EQ(sources.followModes.size(), 2U);
@@ -124,7 +138,7 @@ TEST(MenuState, MarksTheFollowMode) {
 
 TEST(MenuState, MarksNoFollowModeWhileTheUserPicks) {
     MenuState state;
-    state.followMode = FollowMode::manual;
+    state.picks.followMode = FollowMode::manual;
     for (const auto& row : menuContent(state).sources.followModes) {
         EXPECT_EQ(row.symbol, "circle");
         EXPECT_FALSE(row.isCurrent);
@@ -159,8 +173,8 @@ TEST(MenuState, SaysThatThereIsNothingToShareAndKeepsTheRefreshButton) {
 
 TEST(MenuState, TicksWhatTheUserPicked) {
     auto state = someSources();
-    state.followMode = FollowMode::manual;
-    state.manualSources = {window5};
+    state.picks.followMode = FollowMode::manual;
+    state.picks.manualSources = {window5};
     const auto content = menuContent(state);
     EXPECT_FALSE(content.sources.displays.rows[0].isSelected);
     EXPECT_TRUE(content.sources.windows.rows[0].isSelected);
@@ -170,8 +184,8 @@ TEST(MenuState, TicksWhatTheUserPicked) {
 TEST(MenuState, TicksNothingWhileFollowingAutomatically) {
     for (const auto mode : {FollowMode::mouse, FollowMode::focusedApp}) {
         auto state = someSources();
-        state.followMode = mode;
-        state.manualSources = {display1, window5};
+        state.picks.followMode = mode;
+        state.picks.manualSources = {display1, window5};
         for (const auto& row : allRows(menuContent(state))) {
             EXPECT_FALSE(row.isSelected);
             EXPECT_EQ(row.symbol, "square");
@@ -190,10 +204,10 @@ TEST(MenuState, MarksTheLiveSourceAlsoUnticked) {
 
 TEST(MenuState, TellsADisplayFromAWindowOfTheSameNumber) {
     auto state = someSources();
-    state.followMode = FollowMode::manual;
-    state.manualSources = {CaptureSource::display(5)};
+    state.picks.followMode = FollowMode::manual;
+    state.picks.manualSources = {CaptureSource::display(5)};
     state.activeSource = CaptureSource::display(5);
-    EXPECT_FALSE(state.isManuallySelected(window5));
+    EXPECT_FALSE(state.picks.isManuallySelected(window5));
     EXPECT_FALSE(state.isLive(window5));
 }
 

@@ -34,6 +34,21 @@ TEST(SourcePickerContentTest, HasItsTexts) {
     EXPECT_EQ(std::string(SourcePickerTexts::liveBadge), "LIVE");
 }
 
+TEST(SourcePickerContentTest, LetsOnlyUntickAWindowOfWhichNobodyKnowsWhoseItIs) {
+    auto state = someSources();
+    state.windows.front().info.windowOwner = WindowOwnerIdentity{50, "org.example.editor"};
+    state.picks.followMode = FollowMode::manual;
+    const auto areEnabled = [&] {
+        const auto content = sourcePickerContent(state);
+        const auto& windows = content.sections[1].tiles;
+        EXPECT_TRUE(content.sections[0].tiles[0].isEnabled);
+        return std::pair(windows[0].isEnabled, windows[1].isEnabled);
+    };
+    EXPECT_EQ(areEnabled(), std::pair(true, false));
+    state.picks.manualSources = {window1};
+    EXPECT_EQ(areEnabled(), std::pair(true, true));
+}
+
 TEST(SourcePickerContentTest, SaysThatItLoadsWhileThereIsNothingYet) {
     SourcePickerState state;
     state.isLoading = true;
@@ -80,9 +95,9 @@ TEST(SourcePickerContentTest, KeepsBothSectionsWhenOneOfThemIsEmpty) {
 
 TEST(SourcePickerContentTest, MarksPickedSourcesInTheManualModeOnly) {
     auto state = someSources();
-    state.manualSources = {window5, display1};
+    state.picks.manualSources = {window5, display1};
     for (const auto mode : {FollowMode::manual, FollowMode::mouse, FollowMode::focusedApp}) {
-        state.followMode = mode;
+        state.picks.followMode = mode;
         const bool isManual = mode == FollowMode::manual;
         const auto content = sourcePickerContent(state);
         EXPECT_EQ(content.sections[0].tiles[0].isSelected, isManual);
@@ -95,8 +110,8 @@ TEST(SourcePickerContentTest, MarksPickedSourcesInTheManualModeOnly) {
 
 TEST(SourcePickerContentTest, CountsPicksThatAreNotListedNow) {
     auto state = someSources();
-    state.followMode = FollowMode::manual;
-    state.manualSources = {CaptureSource::window(99)};
+    state.picks.followMode = FollowMode::manual;
+    state.picks.manualSources = {CaptureSource::window(99)};
     EXPECT_EQ(sourcePickerContent(state).selectionCount, "1 件選択中");
 }
 
@@ -104,7 +119,7 @@ TEST(SourcePickerContentTest, MarksTheShownSourceInEveryMode) {
     auto state = someSources();
     state.activeSource = display1;
     for (const auto mode : {FollowMode::manual, FollowMode::mouse, FollowMode::focusedApp}) {
-        state.followMode = mode;
+        state.picks.followMode = mode;
         const auto content = sourcePickerContent(state);
         EXPECT_TRUE(content.sections[0].tiles[0].isLive);
         EXPECT_FALSE(content.sections[1].tiles[0].isLive);

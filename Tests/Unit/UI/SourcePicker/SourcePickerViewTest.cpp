@@ -224,6 +224,30 @@ TEST_F(SourcePickerViewTest, IsUsedByTheKeyboardAlone) {
     EXPECT_FALSE(window().isVisible());
 }
 
+TEST_F(SourcePickerViewTest, PassesWindowsOfWhichNobodyKnowsWhoseTheyAre) {
+    const auto nobody = CaptureSource::window(7);
+    desktop.openWindow({.windowID = 7,
+                        .processID = desktop.launchApplication({.processID = 0, .name = "Far"}),
+                        .title = "far",
+                        .frame = {0, 0, 200, 100}});
+    show();
+    ASSERT_EQ(tiles().size(), 5U);
+    EXPECT_FALSE(tile(nobody).isEnabled());
+    Sources visited{*focused()};
+    for (int step = 0; step < 5; ++step) {
+        press(Qt::Key_Right);
+        if (focused() != visited.back())
+            visited.push_back(*focused());
+    }
+    EXPECT_EQ(visited.size(), 4U);
+    EXPECT_EQ(std::ranges::find(visited, nobody), visited.end());
+    press(Qt::Key_End);
+    EXPECT_NE(focused(), nobody);
+    tile(nobody).click();
+    settle();
+    EXPECT_TRUE(bench.settings->manualSources.get().empty());
+}
+
 TEST_F(SourcePickerViewTest, IsOneStopOfTheTabKey) {
     show();
     press(Qt::Key_Right);

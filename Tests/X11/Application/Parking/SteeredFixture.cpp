@@ -3,6 +3,7 @@
 #include "Tests/Support/PixelReader/PixelReader.h"
 #include "Tests/Support/Processes/Waiting.h"
 #include "Tests/Support/XServer/Reply.h"
+#include "Tests/X11/Application/Paths.h"
 #include "Tests/X11/Application/Presentation.h"
 
 #include <algorithm>
@@ -74,7 +75,7 @@ void SteeredFixture::startSteered(std::string_view settings) {
     // For reading too: it neither waits for the other end nor breaks without it.
     m_commands = ::open(pipe.c_str(), O_RDWR | O_CLOEXEC);
     writeSettings(settings);
-    start({KESTROVE_STEERED, pipe});
+    start({steeredProgramPath(), pipe});
 }
 
 void SteeredFixture::tell(std::string_view command) const {
@@ -130,11 +131,15 @@ bool SteeredFixture::hasState(std::string_view state) const {
     return std::ranges::find(atoms, server.atom(state)) != atoms.end();
 }
 
-bool SteeredFixture::isParked() const {
+bool SteeredFixture::isOffScreen() const {
     const auto place = outputPlace();
     const bool isLeftOfAll = place.x + place.width <= 0;
     const bool isBelowAll = place.y >= rightPlace.height;
-    return (isLeftOfAll || isBelowAll) && isOutputViewable() &&
+    return isLeftOfAll || isBelowAll;
+}
+
+bool SteeredFixture::isParked() const {
+    return isOffScreen() && isOutputViewable() &&
            server.propertyItem(window(), "WM_STATE") == normalState;
 }
 
@@ -179,13 +184,18 @@ xcb_rectangle_t SteeredFixture::placeToComeBackTo() {
     return settledPlace();
 }
 
-testing::AssertionResult SteeredFixture::presents(const PaintedDisplay& display,
+testing::AssertionResult SteeredFixture::presents(PaintedDisplay& display,
                                                   std::string_view name) const {
+    constexpr int questionsBetweenHelp = 200;
     const auto source = display.picture();
     PixelImage shown;
     PixelImage expected;
     int tolerance = 0;
-    (void)waitUntil([&] {
+    int questions = 0;
+    const auto isThatOfTheSource = [&] {
+        // Now and then mutter does not bring to the screen what was painted.
+        if (++questions % questionsBetweenHelp == 0 && !display.isOnScreen())
+            display.paintAgain();
         // Nobody shall hide it or make it smaller between the questions.
         xcb_grab_server(desktop.connection());
         const bool isThere = isOutputViewable();
@@ -199,7 +209,10 @@ testing::AssertionResult SteeredFixture::presents(const PaintedDisplay& display,
         const bool isScaled = shown.width != source.width || shown.height != source.height;
         tolerance = isScaled ? scalingTolerance : 0;
         return areAlike(shown, expected, tolerance);
-    });
+    };
+    // With too little of a processor, mutter sometimes paints nothing at all for half a minute.
+    if (!waitUntil(isThatOfTheSource) && !display.isOnScreen())
+        (void)waitUntil(isThatOfTheSource, 2 * patience);
     return samePixels(shown, expected, name, tolerance)
            << (display.isOnScreen() ? "" : "; neither does the screen show it");
 }

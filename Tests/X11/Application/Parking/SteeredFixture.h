@@ -32,6 +32,8 @@ protected:
     /// hide, unhide, float, sink, show, start, stop
     void tell(std::string_view command) const;
 
+    [[nodiscard]] bool isOffScreen() const;
+    /// Off every screen, and there for all who capture it.
     [[nodiscard]] bool isParked() const;
     /// Hides it and waits until the window manager has let go of it too.
     [[nodiscard]] testing::AssertionResult parks();
@@ -49,7 +51,7 @@ protected:
     void minimise();
     [[nodiscard]] bool hasState(std::string_view state) const;
     /// Like `shows`, whether or not the window can be seen.
-    [[nodiscard]] testing::AssertionResult presents(const PaintedDisplay& display,
+    [[nodiscard]] testing::AssertionResult presents(PaintedDisplay& display,
                                                     std::string_view name) const;
 
     const Desk& desk;

@@ -18,8 +18,9 @@ protected:
         std::istringstream told(read());
         std::string named;
         for (std::string line; std::getline(told, line);) {
+            // Where it lies is last, and depends on fonts.
             if (line.find("||") != line.find('|'))
-                named += line + '\n';
+                named += line.substr(0, line.rfind('|')) + '\n';
         }
         return named;
     }

@@ -3,8 +3,8 @@
 #include "Tests/Support/TestWindow/TestWindow.h"
 #include "Tests/Support/XServer/KeyPresses.h"
 #include "Tests/X11/Application/ApplicationFixture.h"
+#include "Tests/X11/Application/WindowReader.h"
 
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -18,19 +18,19 @@ class SettingsWindowFixture : public ApplicationFixture {
 protected:
     /// `title` is that of the window that is read.
     explicit SettingsWindowFixture(const std::string& title = "Kestrove 設定");
-    ~SettingsWindowFixture() override;
 
     /// Starts the program with these settings, which share the right display, and opens the window.
     void open(const std::string& settings = {});
 
-    /// One line an element, in the order of the window: "role|name|description|states|actions|
-    /// value". Empty while there is no such window.
-    [[nodiscard]] std::string read();
-    /// Waits until every one of these is the beginning of a line, and until none of `absent` is.
+    /// See `WindowReader`.
+    [[nodiscard]] std::string read() { return m_reader.read(); }
     [[nodiscard]] testing::AssertionResult tells(const std::vector<std::string>& lines,
-                                                 const std::vector<std::string>& absent = {});
-    /// Waits until the element of this name has the focus.
-    [[nodiscard]] testing::AssertionResult isFocused(std::string_view name);
+                                                 const std::vector<std::string>& absent = {}) {
+        return m_reader.tells(lines, absent);
+    }
+    [[nodiscard]] testing::AssertionResult isFocused(std::string_view name) {
+        return m_reader.isFocused(name);
+    }
 
     /// How a recorder's line begins: what it is called, what it shows, what stands in its row.
     [[nodiscard]] static std::string recorder(std::string_view action, std::string_view keys,
@@ -69,9 +69,7 @@ protected:
     static constexpr std::string_view duplicated = "ほかの操作と重複しています";
 
 private:
-    std::unique_ptr<ChildProcess> m_reader;
-    int m_questions = -1; ///< the pipe that the reader listens to
-    int m_questionCount = 0;
+    WindowReader m_reader;
     std::optional<TestWindow> m_other;
 };
 

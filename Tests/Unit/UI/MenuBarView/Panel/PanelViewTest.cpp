@@ -243,6 +243,20 @@ TEST_F(PanelViewTest, TellsTheKindsOfItsRowsAndIsTickedByAssistiveTechnology) {
     EXPECT_FALSE(told("マウス位置")->state().checked);
 }
 
+TEST_F(PanelViewTest, ShowsAWindowThatCannotBeTickedAsSuch) {
+    auto content = view->content();
+    content.sources.windows.rows = {{.source = CaptureSource::window(9),
+                                     .windowOwner = {},
+                                     .title = "far",
+                                     .subtitle = {},
+                                     .symbol = "square",
+                                     .isEnabled = false}};
+    panel->show(content);
+    EXPECT_FALSE(row("far")->isEnabled());
+    row("far")->setFocus();
+    EXPECT_NE(focused(), "far");
+}
+
 TEST_F(PanelViewTest, IsNoWiderForALongTitle) {
     auto content = view->content();
     const int width = panel->preferredWidth();
