@@ -54,7 +54,7 @@ public:
     }
 
     /// The value as it is, inside this call, then every value that is set.
-    [[nodiscard]] Subscription observe(Callback callback) const {
+    [[nodiscard]] Subscription observe(const Callback& callback) const {
         auto subscription = m_state->changes->subscribe(callback);
         callback(Value(m_state->value));
         return subscription;

@@ -40,7 +40,7 @@ public:
     void reset() { *this = ServerResource(); }
 
 private:
-    void swap(ServerResource& other) {
+    void swap(ServerResource& other) noexcept {
         std::swap(m_connection, other.m_connection);
         std::swap(m_lifetime, other.m_lifetime);
         std::swap(m_identifier, other.m_identifier);

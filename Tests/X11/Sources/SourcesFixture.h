@@ -34,6 +34,7 @@ class SourcesFixture : public testing::Test {
 public:
     /// The desktop of all tests. Called once, before the first.
     static void useDesktop(XDesktop& desktop) { s_desktop = &desktop; }
+    ~SourcesFixture() override;
 
 protected:
     static constexpr xcb_rectangle_t leftPlace{0, 0, 1280, 800};
@@ -42,7 +43,6 @@ protected:
     static constexpr Color rightColor = 0xff806020;
 
     SourcesFixture();
-    ~SourcesFixture() override;
 
     [[nodiscard]] static XDesktop& desktop() { return *s_desktop; }
     [[nodiscard]] static XServer& server() { return s_desktop->server(); }

@@ -36,6 +36,7 @@ public:
 
     [[nodiscard]] std::vector<std::string> waiting() const {
         std::vector<std::string> names;
+        names.reserve(m_waiting.size());
         for (const auto& [name, released] : m_waiting)
             names.push_back(name);
         return names;

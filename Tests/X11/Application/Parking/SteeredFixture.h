@@ -24,9 +24,11 @@ struct Desk {
 /// The program while a test changes its settings. Sees the output window as any other program does:
 /// by its identifier alone.
 class SteeredFixture : public ApplicationFixture {
+public:
+    ~SteeredFixture() override;
+
 protected:
     explicit SteeredFixture(const Desk& desk);
-    ~SteeredFixture() override;
 
     void startSteered(std::string_view settings);
     /// hide, unhide, float, sink, show, start, stop
