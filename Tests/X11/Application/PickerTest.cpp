@@ -50,6 +50,14 @@ protected:
         // Kept by the server, it can be read also where the frame around the source lies over it.
         xcb_composite_redirect_window(desktop.connection(), m_picker,
                                       XCB_COMPOSITE_REDIRECT_AUTOMATIC);
+        ASSERT_TRUE(waitUntil([this] { return hasPainted(); }));
+    }
+    /// Until then its pixels are what lies beneath: windows in the very colours of thumbnails.
+    [[nodiscard]] bool hasPainted() const {
+        const auto image = picture();
+        const auto beneath = right.picture();
+        return image.pixel(image.width - 1, image.height - 1) !=
+               beneath.pixel(beneath.width - 1, beneath.height - 1);
     }
     [[nodiscard]] bool isOpen() const { return find("kestrove — ソース選択") != 0; }
     [[nodiscard]] xcb_window_t focused() const {
