@@ -9,7 +9,18 @@
 
 namespace kestrove::test {
 
-WindowGrab::WindowGrab(XDesktop& desktop, xcb_window_t window, Spot spot) {
+WindowGrab::WindowGrab(XDesktop& desktop, xcb_window_t window, Spot spot)
+    : m_desktop(desktop)
+    , m_window(window)
+    , m_spot(spot) {
+    begin();
+}
+
+WindowGrab::~WindowGrab() {
+    end();
+}
+
+void WindowGrab::begin() {
     std::array<int, 2> ends{};
     if (::pipe2(ends.data(), O_CLOEXEC) != 0)
         giveUp("no pipe");
@@ -27,23 +38,23 @@ WindowGrab::WindowGrab(XDesktop& desktop, xcb_window_t window, Spot spot) {
                     "-framerate",
                     "10",
                     "-window_id",
-                    fmt::format("{}", window),
+                    fmt::format("{}", m_window),
                     "-i",
-                    desktop.displayName(),
+                    m_desktop.displayName(),
                     "-vf",
-                    fmt::format("crop=1:1:in_w*{}:in_h*{}:exact=1", spot.x, spot.y),
+                    fmt::format("crop=1:1:in_w*{}:in_h*{}:exact=1", m_spot.x, m_spot.y),
                     "-pix_fmt",
                     "rgb24",
                     "-f",
                     "rawvideo",
                     fmt::format("pipe:{}", ends[1])},
-        .environment = desktop.environment(),
-        .log = desktop.folder() / "ffmpeg.log",
+        .environment = m_desktop.environment(),
+        .log = m_desktop.folder() / "ffmpeg.log",
         .keptDescriptors = {ends[1]}});
     ::close(ends[1]);
 }
 
-WindowGrab::~WindowGrab() {
+void WindowGrab::end() {
     m_program.reset();
     ::close(m_frames);
 }
@@ -52,6 +63,10 @@ bool WindowGrab::sees(Color color) {
     // What was captured before may still be in the pipe, and shows what was before.
     return waitUntil([&] {
         readFrames();
+        if (m_last != color && !m_program->isRunning()) {
+            end();
+            begin();
+        }
         return m_last == color;
     });
 }

@@ -11,6 +11,10 @@ namespace kestrove::test {
 
 /// ffmpeg, which captures a window as a program does that knows nothing of ours: by its identifier
 /// alone, ten times a second, from the construction on. It tells the colour of one place.
+///
+/// When it ends it is started again: it does not outlive a window that is away just when it asks,
+/// and for an instant a window manager may take away what it lets go of (openbox unmaps it). Calls
+/// ask again, too.
 class WindowGrab {
 public:
     /// A share of the window's width and height each, 0 to 1.
@@ -31,8 +35,13 @@ public:
     [[nodiscard]] bool isRunning() { return m_program->isRunning(); }
 
 private:
+    void begin();
+    void end();
     void readFrames();
 
+    XDesktop& m_desktop;
+    xcb_window_t m_window;
+    Spot m_spot;
     std::unique_ptr<ChildProcess> m_program;
     int m_frames = -1;
     Color m_last = 0;
