@@ -4,13 +4,18 @@
 #include "Tests/Support/QtSpin.h"
 #include "Tests/Support/ScriptedDesktop/ScriptedScreens.h"
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QGuiApplication>
+#include <QResizeEvent>
 #include <QScreen>
+#include <QWindow>
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <memory>
+#include <optional>
 #include <utility>
 
 namespace kestrove {
@@ -83,6 +88,91 @@ TEST_F(QtOutputWindowTest, IsInTheMiddleOfTheMainScreen) {
     const auto frame = window->frame();
     const auto middle = screens.list.front().frame.center();
     EXPECT_EQ(frame, Rect(std::floor(middle.x - 160), std::floor(middle.y - 90), 320, 180));
+}
+
+/// Qt's own platform gives a window the size that it is asked for at once. Here it does so later.
+class BusyWindowManager final : public QObject {
+public:
+    explicit BusyWindowManager(QWindow& window)
+        : m_window(window) {
+        window.installEventFilter(this);
+    }
+
+    /// Does what it was asked for last.
+    void comply(const QSize& size) {
+        m_given = size;
+        QCoreApplication::processEvents();
+    }
+    /// What it makes of the window next, of its own or because the user pulls at an edge.
+    void resize(const QSize& size) {
+        QCoreApplication::processEvents(); // what it was asked for before is held back
+        m_given = size;
+        m_window.resize(size);
+        QCoreApplication::processEvents();
+    }
+
+protected:
+    bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+        return event->type() == QEvent::Resize && event->spontaneous() &&
+               static_cast<QResizeEvent*>(event)->size() != m_given;
+    }
+
+private:
+    QWindow& m_window;
+    QSize m_given;
+};
+
+/// A window of 420 by 260 points that was asked to be one of 500 by 300; 4 of each are decoration.
+class QtOutputWindowUnderABusyWindowManager : public QtOutputWindowTest {
+protected:
+    QtOutputWindowUnderABusyWindowManager()
+        : window(make({0, 0, 300, 200})) {
+        showWithDecorations(*window);
+        window->setFrame({60, 70, 420, 260}, Redisplay::yes);
+        QCoreApplication::processEvents();
+        loop.advance(Seconds(3));
+        manager.emplace(*window->widget().windowHandle());
+        ended = window->onLiveResizeEnded([this] { ++resizesByTheUser; });
+        window->setFrame(asked, Redisplay::yes);
+    }
+
+    const Rect asked{60, 70, 500, 300};
+    std::unique_ptr<QtOutputWindow> window;
+    std::optional<BusyWindowManager> manager;
+    Subscription ended;
+    int resizesByTheUser = 0;
+};
+
+TEST_F(QtOutputWindowUnderABusyWindowManager, KeepsItsFrameWhateverComesBeforeWhatWasAskedFor) {
+    // First it applies the new aspect ratio to the old size.
+    loop.advance(Seconds(0.8));
+    manager->resize({416, 250});
+    EXPECT_EQ(window->widget().size(), QSize(416, 250));
+    loop.advance(Seconds(0.6));
+    EXPECT_EQ(window->frame(), asked);
+    EXPECT_EQ(resizesByTheUser, 0);
+    manager->resize({496, 296});
+    loop.advance(Seconds(3));
+    EXPECT_EQ(window->frame(), asked);
+    EXPECT_EQ(resizesByTheUser, 0);
+}
+
+TEST_F(QtOutputWindowUnderABusyWindowManager, TakesEverySizeAfterTheOneAskedForAsTheUsers) {
+    loop.advance(Seconds(0.1));
+    manager->comply({496, 296});
+    manager->resize({446, 276});
+    EXPECT_EQ(resizesByTheUser, 0) << "before the hand rests";
+    loop.advance(Seconds(0.4));
+    EXPECT_EQ(resizesByTheUser, 1);
+    EXPECT_EQ(window->frame().size(), Size(450, 280));
+}
+
+TEST_F(QtOutputWindowUnderABusyWindowManager, TakesASizeThatComesLateAsTheUsers) {
+    loop.advance(Seconds(2.1));
+    manager->resize({446, 276});
+    loop.advance(Seconds(0.4));
+    EXPECT_EQ(resizesByTheUser, 1);
+    EXPECT_EQ(window->frame().size(), Size(450, 280));
 }
 
 } // namespace
