@@ -12,14 +12,18 @@
 #include "Platform/X11/WindowManagerRequests.h"
 #include "UI/Icons/SymbolIcon.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
 
 namespace {
+
+using namespace kestrove;
 
 constexpr const char* programName = "kestrove";
 
@@ -37,6 +41,15 @@ int failWithoutAnswer() {
     return 1;
 }
 
+/// The option of the entry that starts the program at login, and that of session managers which
+/// restore what ran when the last session ended.
+x11::StartedBy startedBy(std::span<char*> arguments) {
+    const bool isBySession = std::ranges::any_of(arguments, [](std::string_view argument) {
+        return argument == "--autostart" || argument == "-session";
+    });
+    return isBySession ? x11::StartedBy::session : x11::StartedBy::user;
+}
+
 /// What Qt reads at its start.
 void prepareQt() {
     // The adapters are those of X: Qt must be on the same desktop, also where it would prefer
@@ -52,12 +65,12 @@ void prepareQt() {
 } // namespace
 
 int main(int argumentCount, char** arguments) {
-    using namespace kestrove;
     // Before Qt, which ends the process without a word of ours when there is no server.
     if (const auto reason = x11::whyUnreachable())
         return fail(*reason);
     x11::SingleInstance instance(KestroveApp::bundleIdentifier);
-    switch (instance.claim(patienceWithFirstInstance)) {
+    const auto by = startedBy({arguments, static_cast<std::size_t>(argumentCount)});
+    switch (instance.claim(patienceWithFirstInstance, by)) {
     case x11::InstanceClaim::first:
         break;
     case x11::InstanceClaim::handedOver:

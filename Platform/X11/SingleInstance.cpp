@@ -38,12 +38,14 @@ xcb_atom_t SingleInstance::atom(const std::string& name) const {
     return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
 }
 
-InstanceClaim SingleInstance::claim(std::chrono::milliseconds patience) {
+InstanceClaim SingleInstance::claim(std::chrono::milliseconds patience, StartedBy startedBy) {
     const auto deadline = Clock::now() + patience;
     while (xcb_connection_has_error(m_connection.get()) == 0) {
         const auto other = otherOwnerOrTake();
         if (other == XCB_WINDOW_NONE)
             return InstanceClaim::first;
+        if (startedBy == StartedBy::session)
+            return InstanceClaim::handedOver;
         if (const auto isAnswered = ask(other, deadline))
             return *isAnswered ? InstanceClaim::handedOver : InstanceClaim::unanswered;
     }

@@ -17,10 +17,17 @@ namespace kestrove::x11 {
 enum class InstanceClaim : std::uint8_t {
     /// There is no other one. While this object lives, later starts are told of here.
     first,
-    /// Another one runs, and has taken note of this start.
+    /// Another one runs, and has taken note of this start if it was to.
     handedOver,
     /// Another one runs but says nothing, or the server does not.
     unanswered,
+};
+
+/// Who wants the application to run.
+enum class StartedBy : std::uint8_t {
+    user,
+    /// At login, perhaps twice: by its entry there and because it ran when the last session ended.
+    session,
 };
 
 /// One running instance of an application for each user and X server. The instance owns a selection
@@ -39,13 +46,14 @@ public:
     SingleInstance& operator=(const SingleInstance&) = delete;
     ~SingleInstance() = default;
 
-    /// Waits at most `patience` for the other instance, which may be just starting, or ending.
-    [[nodiscard]] InstanceClaim claim(std::chrono::milliseconds patience);
+    /// Waits at most `patience` for the other instance, which may be just starting, or ending. A
+    /// start by the session asks nothing of it.
+    [[nodiscard]] InstanceClaim claim(std::chrono::milliseconds patience, StartedBy startedBy);
 
-    /// `started` is called from the main loop for every later start, also for those that came
-    /// before this call; `takenOver` when another instance, which started at the same moment, has
-    /// become the first one: this one has to end. Once, after the claim of the first instance.
-    /// `watching` outlives this.
+    /// `started` is called from the main loop for every later start by the user, also for those
+    /// that came before this call; `takenOver` when another instance, which started at the same
+    /// moment, has become the first one: this one has to end. Once, after the claim of the first
+    /// instance. `watching` outlives this.
     void listen(DescriptorWatching& watching, std::function<void()> started,
                 std::function<void()> takenOver);
 

@@ -62,12 +62,18 @@ class PackageTest(unittest.TestCase):
                      f"etc/xdg/autostart/{IDENTIFIER}.desktop"):
             self.assertEqual(said("desktop-file-validate", str(self.stage / path)), "", path)
             entry = self.entry(path)
-            self.assertTrue((self.stage / "bin" / entry["Exec"]).is_file(), path)
+            program = entry["Exec"].removesuffix(" --autostart")
+            self.assertTrue((self.stage / "bin" / program).is_file(), path)
             self.assertIn(f"share/icons/hicolor/scalable/apps/{entry['Icon']}.svg", FILES, path)
 
     def test_only_the_entry_to_start_at_login_is_off(self):
         self.assertEqual(self.entry(f"etc/xdg/autostart/{IDENTIFIER}.desktop")["Hidden"], "true")
         self.assertNotIn("Hidden", self.entry(f"share/applications/{IDENTIFIER}.desktop"))
+
+    def test_only_the_entry_to_start_at_login_says_so_to_the_program(self):
+        for path, command in ((f"share/applications/{IDENTIFIER}.desktop", "kestrove"),
+                              (f"etc/xdg/autostart/{IDENTIFIER}.desktop", "kestrove --autostart")):
+            self.assertEqual(self.entry(path)["Exec"], command)
 
     def test_metainfo(self):
         said("appstreamcli", "validate", "--no-net", "--strict",

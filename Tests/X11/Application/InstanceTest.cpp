@@ -1,10 +1,12 @@
 #include "Tests/Support/Processes/Waiting.h"
+#include "Tests/Support/XServer/KeyPresses.h"
 #include "Tests/X11/Application/ApplicationFixture.h"
 #include "Tests/X11/Application/Paths.h"
 
 #include <algorithm>
 #include <csignal>
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace kestrove::test {
@@ -13,9 +15,13 @@ namespace {
 /// One instance of the program for each X server.
 class Instance : public ApplicationFixture {
 protected:
-    [[nodiscard]] std::unique_ptr<ChildProcess> startAgain() {
-        return desktop.start({programPath()});
+    [[nodiscard]] std::unique_ptr<ChildProcess>
+    startAgain(const std::vector<std::string>& options = {}) {
+        std::vector<std::string> command{programPath()};
+        command.insert(command.end(), options.begin(), options.end());
+        return desktop.start(command);
     }
+    [[nodiscard]] bool isPanelOpen() const { return find("Kestrove") != XCB_WINDOW_NONE; }
 
     /// Whether, of so many starts together, one goes on and the others end in order.
     [[nodiscard]] testing::AssertionResult oneStaysOf(int count) {
@@ -39,7 +45,28 @@ TEST_F(Instance, ALaterStartEndsAndOpensThePanelOfTheFirst) {
     ASSERT_TRUE(later->waitForExit(patience));
     EXPECT_EQ(later->exitCode(), 0) << later->logTail();
     EXPECT_TRUE(program().isRunning());
-    EXPECT_TRUE(waitUntil([this] { return find("Kestrove") != XCB_WINDOW_NONE; }));
+    EXPECT_TRUE(waitUntil([this] { return isPanelOpen(); }));
+}
+
+TEST_F(Instance, ALaterStartByTheSessionEndsAndOpensNothing) {
+    start("");
+    for (const auto& options :
+         {std::vector<std::string>{"--autostart"}, {"-session", "2c0ffee_1_1", "-other"}}) {
+        const auto later = startAgain(options);
+        ASSERT_TRUE(later->waitForExit(patience));
+        EXPECT_EQ(later->exitCode(), 0) << later->logTail();
+    }
+    // Whatever the first was asked for by them comes before what it is asked for now.
+    pressTogether(desktop.connection(), {ServerKey::control, ServerKey::super, ServerKey::p});
+    EXPECT_TRUE(waitUntil([this] { return find("kestrove — ソース選択") != XCB_WINDOW_NONE; }));
+    EXPECT_FALSE(isPanelOpen());
+}
+
+TEST_F(Instance, StartedByTheSessionItIsTheFirst) {
+    start({programPath(), "--autostart"});
+    const auto later = startAgain();
+    ASSERT_TRUE(later->waitForExit(patience));
+    EXPECT_TRUE(waitUntil([this] { return isPanelOpen(); }));
 }
 
 TEST_F(Instance, OfManyStartsTogetherOneStays) {
