@@ -69,9 +69,12 @@ NativeWindowRequests X11Desktop::windowRequests() {
     requests.keepContent = [this](NativeViewHandle window) {
         m_keptContent.keep(static_cast<xcb_window_t>(window));
     };
-    requests.park = [this](NativeViewHandle window, Point origin) {
+    requests.park = [this](NativeViewHandle window, const Rect& place) {
         m_keptContent.setParked(true);
-        m_parking.park(window, static_cast<int>(origin.x), static_cast<int>(origin.y));
+        m_parking.park(window,
+                       {static_cast<std::int16_t>(place.x), static_cast<std::int16_t>(place.y),
+                        static_cast<std::uint16_t>(place.width),
+                        static_cast<std::uint16_t>(place.height)});
     };
     requests.unpark = [this](NativeViewHandle window) {
         m_parking.release(window);

@@ -27,12 +27,12 @@ WindowParking::WindowParking(Connection& connection, xcb_connection_t* toolkit)
     }))
     , m_opened(connection.opened.subscribe([this] { watch(); })) {}
 
-void WindowParking::park(NativeViewHandle window, int x, int y) {
+void WindowParking::park(NativeViewHandle window, const xcb_rectangle_t& place) {
     const auto target = static_cast<xcb_window_t>(window);
     if (m_parked && m_parked->window != target)
         release(m_parked->window);
     const bool isNew = !m_parked;
-    m_parked = Parked{target, x, y};
+    m_parked = Parked{target, place};
     if (isNew)
         watch();
     assertPlace();
@@ -86,7 +86,7 @@ void WindowParking::onEvent(const xcb_generic_event_t& event) {
 void WindowParking::assertPlace() {
     if (!m_parked)
         return;
-    const auto [window, x, y] = *m_parked;
+    const auto [window, place] = *m_parked;
     // Asked over the toolkit's connection: whatever it has requested counts.
     const auto askedTree = xcb_query_tree(m_toolkit, window);
     const auto askedAttributes = xcb_get_window_attributes(m_toolkit, window);
@@ -99,13 +99,17 @@ void WindowParking::assertPlace() {
     if (!tree || !attributes || !geometry)
         return;
     if (tree->parent != tree->root) {
-        xcb_reparent_window(m_toolkit, window, tree->root, static_cast<std::int16_t>(x),
-                            static_cast<std::int16_t>(y));
-    } else if (geometry->x != x || geometry->y != y) {
-        const std::array<std::uint32_t, 2> place{static_cast<std::uint32_t>(x),
-                                                 static_cast<std::uint32_t>(y)};
+        xcb_reparent_window(m_toolkit, window, tree->root, place.x, place.y);
+    } else if (geometry->x != place.x || geometry->y != place.y) {
+        const std::array<std::uint32_t, 2> origin{static_cast<std::uint32_t>(place.x),
+                                                  static_cast<std::uint32_t>(place.y)};
         xcb_configure_window(m_toolkit, window, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y,
-                             place.data());
+                             origin.data());
+    }
+    if (geometry->width != place.width || geometry->height != place.height) {
+        const std::array<std::uint32_t, 2> size{place.width, place.height};
+        xcb_configure_window(m_toolkit, window, XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT,
+                             size.data());
     }
     if (attributes->map_state == XCB_MAP_STATE_UNMAPPED)
         xcb_map_window(m_toolkit, window);

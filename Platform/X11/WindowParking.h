@@ -15,7 +15,7 @@ namespace kestrove::x11 {
 /// Window managers let no window that they manage leave the screens. So the window is taken from
 /// its manager: the toolkit makes it override-redirect, and `park` moves it to the root, in one
 /// request, during which no other program can find it unmapped. The manager learns of it afterwards
-/// and cleans up as for a window that has gone, state and place included; whatever it thereby
+/// and cleans up as for a window that has gone, state, place and size included; whatever it thereby
 /// changes is put right again at once.
 ///
 /// The requests go over the toolkit's connection, so that they keep their place among its own; what
@@ -26,9 +26,9 @@ class WindowParking {
 public:
     WindowParking(Connection& connection, xcb_connection_t* toolkit);
 
-    /// `x` and `y` are pixels of the root. The window is shown, and override-redirect. Again for
-    /// another place.
-    void park(NativeViewHandle window, int x, int y);
+    /// `place` is the window without its frame, in pixels of the root, outside every screen. The
+    /// window is shown, and override-redirect. Again for another place or size.
+    void park(NativeViewHandle window, const xcb_rectangle_t& place);
 
     /// The window is the toolkit's again to place and to show. Nothing for another window.
     void release(NativeViewHandle window);
@@ -36,8 +36,7 @@ public:
 private:
     struct Parked {
         xcb_window_t window;
-        int x;
-        int y;
+        xcb_rectangle_t place;
     };
 
     void onEvent(const xcb_generic_event_t& event);

@@ -29,8 +29,8 @@ struct NativeWindowRequests {
     /// screens, can be captured. Once.
     std::function<void(NativeViewHandle window)> keepContent;
     /// The window, which is shown and which Qt keeps from the window manager, stays at this place
-    /// outside every screen, in toolkit pixels, and capturable, until `unpark`.
-    std::function<void(NativeViewHandle window, Point origin)> park;
+    /// outside every screen and of this size, in toolkit pixels, and capturable, until `unpark`.
+    std::function<void(NativeViewHandle window, const Rect& place)> park;
     std::function<void(NativeViewHandle window)> unpark;
 };
 

@@ -137,7 +137,7 @@ void QtOutputWindow::setFrame(const Rect& frame, Redisplay /*redisplay*/) {
     if (isAnswerDue() || m_widget.windowHandle()->size() != geometry.size())
         m_answerIsDueUntil = m_loop.now() + answerToASize;
     if (m_isParked)
-        park(geometry.topLeft());
+        park(geometry);
     // First what both sizes are allowed by: Qt enlarges a window that is below its smallest size.
     applyMinimumSize(m_widget.size().boundedTo(geometry.size()));
     m_widget.setGeometry(geometry);
@@ -171,12 +171,11 @@ void QtOutputWindow::setAllowsOffscreenPositioning(bool allows) {
     applyFlags();
 }
 
-void QtOutputWindow::park(const QPoint& origin) {
+void QtOutputWindow::park(const QRect& place) {
     if (!m_widget.isVisible())
         return;
     if (m_requests.park)
-        m_requests.park(m_widget.winId(),
-                        {static_cast<double>(origin.x()), static_cast<double>(origin.y())});
+        m_requests.park(m_widget.winId(), toRect(place));
     // It comes back at a frame, also when it filled the screen before.
     m_widget.setWindowState(m_widget.windowState() & Qt::WindowMinimized);
 }
@@ -221,7 +220,7 @@ void QtOutputWindow::show(Activation activation) {
     m_isToBePlaced = true;
     m_widget.show();
     if (m_isParked)
-        park(m_widget.geometry().topLeft());
+        park(m_widget.geometry());
     if (m_level != WindowLevel::normal)
         applyLevel();
     awaitAnswer();
@@ -359,7 +358,8 @@ void QtOutputWindow::resizedByDesktop() {
     // However late, what was asked for is an answer.
     const bool hasRequestedSize =
         m_requested && m_requested->geometry.size() == m_widget.geometry().size();
-    if (!hasRequestedSize && !isAnswerDue())
+    // Parked, it is out of the user's hands.
+    if (!m_isParked && !hasRequestedSize && !isAnswerDue())
         m_resizeRests.schedule();
 }
 

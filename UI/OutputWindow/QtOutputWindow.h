@@ -83,7 +83,7 @@ private:
     [[nodiscard]] std::optional<Rect> mainVisibleFrame() const;
     void show(Activation activation);
     void applyFlags();
-    void park(const QPoint& origin);
+    void park(const QRect& place);
     void joinAllWorkspaces();
     void applyLevel();
     void applyMinimumSize(const QSize& content);

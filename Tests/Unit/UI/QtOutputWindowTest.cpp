@@ -167,6 +167,18 @@ TEST_F(QtOutputWindowUnderABusyWindowManager, TakesEverySizeAfterTheOneAskedForA
     EXPECT_EQ(window->frame().size(), Size(450, 280));
 }
 
+TEST_F(QtOutputWindowUnderABusyWindowManager, TakesNoSizeAsTheUsersWhileItIsParked) {
+    manager->comply({496, 296});
+    window->setAllowsOffscreenPositioning(true);
+    window->setFrame(asked, Redisplay::yes);
+    loop.advance(Seconds(3));
+    manager->resize({446, 276});
+    loop.advance(Seconds(0.4));
+    manager->resize({496, 296});
+    EXPECT_EQ(resizesByTheUser, 0);
+    EXPECT_EQ(window->frame(), asked);
+}
+
 TEST_F(QtOutputWindowUnderABusyWindowManager, TakesASizeThatComesLateAsTheUsers) {
     loop.advance(Seconds(2.1));
     manager->resize({446, 276});

@@ -1,7 +1,9 @@
 #include "Tests/Support/Processes/Waiting.h"
+#include "Tests/Support/XServer/Reply.h"
 #include "Tests/X11/Application/Parking/SteeredFixture.h"
 #include "Tests/X11/Application/Parking/WindowGrab.h"
 
+#include <array>
 #include <fmt/core.h>
 #include <optional>
 
@@ -168,6 +170,35 @@ TEST_P(Parking, IsThereFromTheStartWhenTheWindowWasLeftHidden) {
     EXPECT_TRUE(waitUntil([this] { return isOutputViewable() && !isParked(); }));
     (void)settledPlace();
     EXPECT_TRUE(shows(right, "back"));
+}
+
+/// Parked where nobody but the test interferes.
+class Parked : public SteeredFixture {
+protected:
+    Parked()
+        : SteeredFixture({"Bare", WindowManager::none}) {}
+};
+
+TEST_F(Parked, StaysAsItIsWhateverALateWindowManagerMakesOfIt) {
+    startSteered("kestrove.autoStart=true\n" + onlyDisplay("RIGHT"));
+    ASSERT_TRUE(presents(right, "shown"));
+    ASSERT_TRUE(parks());
+    const auto place = settledPlace();
+    // What mutter did of what it was asked for before the window left it.
+    const std::array<std::uint32_t, 4> late{100, 50, 405, 324};
+    xcb_configure_window(desktop.connection(), window(),
+                         XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
+                             XCB_CONFIG_WINDOW_HEIGHT,
+                         late.data());
+    sync(desktop.connection());
+    EXPECT_TRUE(waitUntil([&] {
+        const auto now = outputPlace();
+        return now.x == place.x && now.y == place.y && now.width == place.width &&
+               now.height == place.height;
+    }));
+    right.paint({200, 100, 300, 250}, 0xff406080);
+    EXPECT_TRUE(presents(right, "put right"));
+    EXPECT_TRUE(isParked());
 }
 
 } // namespace
