@@ -104,21 +104,22 @@ Task<void> AppController::stopForPermissionLoss(ScreenRecordingPermission permis
 
 Task<void> AppController::stopSafely(CaptureSessionState end) {
     const auto session = m_sessionNumber;
-    stopSourceTracking();
-    cancelSourceRefresh();
-    // A switch on its way must not show anything any more.
-    beginOutputRequest();
-    presentSafeOutput();
-    co_await m_with.captureEngine.stop();
-    // Whoever ended the session meanwhile, the user above all, has decided how it ends.
-    if (!isActive(session)) {
-        co_await restoreRunningStream();
-        co_return;
-    }
-    // What the user picked meanwhile may have come to be shown and watched.
-    stopSourceTracking();
-    if (m_activeSource.get())
+    // What the user picked while the engine was stopping, or a display that became known, may have
+    // come to be shown and watched.
+    do {
+        stopSourceTracking();
+        cancelSourceRefresh();
+        // A switch on its way must not show anything any more.
+        beginOutputRequest();
         presentSafeOutput();
+        co_await m_with.captureEngine.stop();
+        // Whoever ended the session meanwhile, the user above all, has decided how it ends.
+        if (!isActive(session)) {
+            co_await restoreRunningStream();
+            co_return;
+        }
+    } while (m_activeSource.get());
+    stopSourceTracking();
     m_sessionState.set(end);
     if (const auto permission = end.permission())
         m_permissionStatus.set(*permission);

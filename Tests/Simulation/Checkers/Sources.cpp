@@ -40,7 +40,10 @@ std::optional<Failure> Checkers::checkChosen() {
     const bool isByHand = settings.followMode.get() == FollowMode::manual;
     const bool isChosen =
         isByHand ? contains(settings.manualSources.get(), *active) : active->isDisplay();
-    if (!isByHand && m_desktop.displays().empty())
+    // One that is plugged in is known with the next refresh.
+    const bool isNoneKnown = m_desktop.displays().empty() ||
+                             m_program.controller().availableSources().get().displays.empty();
+    if (!isByHand && isNoneKnown)
         m_shownForWantOfADisplay = active;
     else if (isChosen || active != m_shownForWantOfADisplay)
         m_shownForWantOfADisplay.reset();

@@ -91,9 +91,12 @@ MUTATIONS = [
              "        co_return;\n",
              "    co_await refreshAvailableSources();\n"),
     Mutation("safe-stop-goes-on-after-its-session", CONTROLLER + "Lifecycle.cpp",
-             "    if (!isActive(session)) {\n        co_await restoreRunningStream();\n"
-             "        co_return;\n    }\n",
-             "    (void)session;\n"),
+             "        if (!isActive(session)) {\n            co_await restoreRunningStream();\n"
+             "            co_return;\n        }\n",
+             "        (void)session;\n"),
+    Mutation("safe-stop-leaves-what-came-meanwhile", CONTROLLER + "Lifecycle.cpp",
+             "    } while (m_activeSource.get());\n    stopSourceTracking();\n",
+             "    } while (false);\n    stopSourceTracking();\n    presentSafeOutput();\n"),
     Mutation("overtaken-switch-is-kept", CONTROLLER + "Switching.cpp",
              "        logError(\"capture switch failed\", result.error());\n"
              "    if (!isCurrent(request)) {",

@@ -38,6 +38,29 @@ TEST(AppControllerOverlap, ASwitchOnItsWayShowsNothingWhileTheSessionStopsItself
     EXPECT_EQ(bench.engine.currentSource(), std::nullopt);
 }
 
+TEST(AppControllerOverlap, ASessionThatStopsItselfEndsWhatCameToBeShownMeanwhile) {
+    ControllerBench bench;
+    bench.create();
+    bench.startAndRun();
+    bench.gate.hold();
+    bench.lister.failure = PlatformError("X11", 1);
+    bench.permission = ScreenRecordingPermission::revoked;
+    bench.scheduler.tick();
+    bench.settle();
+    letThrough(bench, Order::newestFirst);
+    ASSERT_EQ(bench.gate.waiting(), Events{"engine stop"});
+    bench.controller->toggleSource(window5, editor);
+    bench.settle();
+    ASSERT_EQ(bench.gate.waiting(), (Events{"engine stop", "engine switch window 5"}));
+    letThrough(bench, Order::newestFirst);
+    ASSERT_EQ(bench.active(), window5);
+    bench.gate.open();
+    bench.settle();
+    EXPECT_EQ(bench.state(), State::permissionRequired(ScreenRecordingPermission::revoked));
+    EXPECT_EQ(bench.active(), std::nullopt);
+    EXPECT_EQ(bench.engine.currentSource(), std::nullopt) << "its stream runs on";
+}
+
 TEST(AppControllerOverlap, ALateStopDoesNotLeaveTheNextSessionWithoutItsStream) {
     ControllerBench bench;
     bench.create();
