@@ -86,8 +86,9 @@ void AppController::stopSourceTracking() {
 
 void AppController::handleFollowModeChange(FollowMode mode) {
     m_followMode = mode;
-    // The user has chosen a mode.
+    // The user has chosen a mode, and whatever it asks for is worth trying again.
     m_needsDiscardedManualWindowRecovery = false;
+    m_lastFailedSource.reset();
     m_with.displayTracker.setMode(mode);
     if (m_isHandlingSourceFailure)
         return;
