@@ -355,11 +355,14 @@ void QtOutputWindow::adoptDecorations() {
 }
 
 void QtOutputWindow::resizedByDesktop() {
-    // However late, what was asked for is an answer.
-    const bool hasRequestedSize =
-        m_requested && m_requested->geometry.size() == m_widget.geometry().size();
+    // However late, what was asked for is an answer, and so was what came just before: of several
+    // requests each has its own.
+    if (m_requested && m_requested->geometry.size() == m_widget.geometry().size()) {
+        m_resizeRests.cancel();
+        return;
+    }
     // Parked, it is out of the user's hands.
-    if (!m_isParked && !hasRequestedSize && !isAnswerDue())
+    if (!m_isParked && !isAnswerDue())
         m_resizeRests.schedule();
 }
 

@@ -167,6 +167,17 @@ TEST_F(QtOutputWindowUnderABusyWindowManager, TakesEverySizeAfterTheOneAskedForA
     EXPECT_EQ(window->frame().size(), Size(450, 280));
 }
 
+TEST_F(QtOutputWindowUnderABusyWindowManager, TakesNoAnswerToAnEarlierRequestAsTheUsers) {
+    // The size was asked for twice, and another one in between.
+    manager->comply({496, 296});
+    manager->resize({496, 259});
+    loop.advance(Seconds(0.1));
+    manager->resize({496, 296});
+    loop.advance(Seconds(3));
+    EXPECT_EQ(resizesByTheUser, 0);
+    EXPECT_EQ(window->frame(), asked);
+}
+
 TEST_F(QtOutputWindowUnderABusyWindowManager, TakesNoSizeAsTheUsersWhileItIsParked) {
     manager->comply({496, 296});
     window->setAllowsOffscreenPositioning(true);

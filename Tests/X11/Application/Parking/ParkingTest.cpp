@@ -92,7 +92,7 @@ TEST_P(Parking, TakesTheShapeOfAnotherSourceAndStaysUnseen) {
         const auto shape = outputPlace();
         return std::abs(1280 * shape.height - 800 * shape.width) <= 1280;
     }));
-    EXPECT_TRUE(isOffScreen());
+    EXPECT_TRUE(waitUntil([this] { return isOffScreen(); }));
     EXPECT_TRUE(waitUntil([this] { return isParked(); })); // its state may be in the making anew
     EXPECT_TRUE(isLive(right, "parked, another source"));
     tell("unhide");
@@ -109,7 +109,7 @@ TEST_P(Parking, ComesBackToTheDisplayThatIsLeft) {
     ASSERT_TRUE(parks());
     server.removeMonitor("RIGHT");
     EXPECT_TRUE(isLive(left, "unplugged"));
-    EXPECT_TRUE(isOffScreen());
+    EXPECT_TRUE(waitUntil([this] { return isOffScreen(); }));
     EXPECT_TRUE(waitUntil([this] { return isParked(); })); // its state may be in the making anew
     tell("unhide");
     EXPECT_TRUE(waitUntil([this] {
