@@ -264,6 +264,11 @@ void QtOutputWindow::setMinimumSize(Size frameSize) {
 }
 
 void QtOutputWindow::setContentAspectRatio(Size ratio) {
+    // The size that the user has just given the window is what the new source is fitted into.
+    if (m_resizeRests.isPending()) {
+        m_resizeRests.cancel();
+        endLiveResize();
+    }
     // Told with the next frame: what the present size breaks, window managers would change at once.
     m_aspectRatio = ratio;
 }

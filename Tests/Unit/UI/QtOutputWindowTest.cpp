@@ -167,6 +167,15 @@ TEST_F(QtOutputWindowUnderABusyWindowManager, TakesEverySizeAfterTheOneAskedForA
     EXPECT_EQ(window->frame().size(), Size(450, 280));
 }
 
+TEST_F(QtOutputWindowUnderABusyWindowManager, FitsTheNextSourceIntoWhatTheUserHasJustMadeOfIt) {
+    manager->comply({496, 296});
+    manager->resize({446, 276});
+    window->setContentAspectRatio({16, 9});
+    EXPECT_EQ(resizesByTheUser, 1);
+    loop.advance(Seconds(1));
+    EXPECT_EQ(resizesByTheUser, 1);
+}
+
 TEST_F(QtOutputWindowUnderABusyWindowManager, TakesNoAnswerToAnEarlierRequestAsTheUsers) {
     // The size was asked for twice, and another one in between.
     manager->comply({496, 296});
