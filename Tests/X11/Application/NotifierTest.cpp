@@ -74,7 +74,7 @@ TEST_F(Notifier, DoesWhatEachEntryOfItsMenuSays) {
     EXPECT_TRUE(shows(left, "the pointer's display"));
     ASSERT_TRUE(click("停止"));
     EXPECT_TRUE(showsPlaceholder("stopped"));
-    EXPECT_EQ(labels().at(1), "停止中");
+    EXPECT_TRUE(waitUntil([this] { return labels().at(1) == "停止中"; }));
     ASSERT_TRUE(click("開始"));
     EXPECT_TRUE(shows(left, "started"));
 

@@ -239,7 +239,7 @@ TEST_F(PanelByMouse, DoesTheSameAtItsIconAndLeavesForWhatItOpens) {
     EXPECT_TRUE(isOpen());
     clickInside(settings->y + settings->height / 2 - whole->y - whole->height);
     EXPECT_TRUE(waitUntil([this] { return find("Kestrove 設定") != XCB_WINDOW_NONE; }));
-    EXPECT_FALSE(isOpen());
+    EXPECT_TRUE(waitUntil([this] { return !isOpen(); }));
 }
 
 /// More windows than there is room for.
