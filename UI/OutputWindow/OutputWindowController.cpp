@@ -181,9 +181,9 @@ void OutputWindowController::windowDidChangeDecorations() {
 }
 
 std::vector<Rect> OutputWindowController::screenFrames() const {
-    std::vector<Rect> frames;
-    for (const auto& screen : m_platform.screens.screens())
-        frames.push_back(screen.frame);
+    const auto screens = m_platform.screens.screens();
+    std::vector<Rect> frames(screens.size());
+    std::ranges::transform(screens, frames.begin(), &Screen::frame);
     return frames;
 }
 

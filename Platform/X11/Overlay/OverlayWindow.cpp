@@ -108,7 +108,7 @@ void OverlayWindow::describe() {
     std::array<char, 256> machine{};
     if (gethostname(machine.data(), machine.size() - 1) == 0)
         setText(XCB_ATOM_WM_CLIENT_MACHINE, machine.data());
-    setText(XCB_ATOM_WM_CLASS, std::string_view("kestrove\0Kestrove", 18));
+    setText(XCB_ATOM_WM_CLASS, std::string_view("kestrove\0Kestrove\0", 18));
     // Compositors draw shadows for windows that they know nothing of, and stop their work for one
     // that covers the screen.
     setNumber("_COMPTON_SHADOW", 0);

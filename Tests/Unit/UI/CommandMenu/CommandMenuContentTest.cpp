@@ -21,6 +21,7 @@ MenuState withPicker(State session = State::stopped()) {
 
 std::vector<std::string> labels(const std::vector<CommandMenuEntry>& entries) {
     std::vector<std::string> result;
+    result.reserve(entries.size());
     for (const auto& entry : entries)
         result.push_back(entry ? entry->label() : "-");
     return result;
