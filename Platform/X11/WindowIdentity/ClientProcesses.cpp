@@ -18,6 +18,7 @@ ClientProcesses::ClientProcesses(Connection& connection, std::span<const ClientW
     // The server's own windows; as a question, zero would mean all connections.
     clients.erase(0);
     std::vector<xcb_res_client_id_spec_t> questions;
+    questions.reserve(clients.size());
     for (const auto each : clients)
         questions.push_back({each, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID});
     m_asked = xcb_res_query_client_ids(

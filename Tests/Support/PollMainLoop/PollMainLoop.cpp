@@ -164,6 +164,7 @@ bool PollMainLoop::runDueTimers() {
 bool PollMainLoop::pollOnce(Seconds wait) {
     const auto watches = *m_watches;
     std::vector<pollfd> descriptors{{m_wakeDescriptor, POLLIN, 0}};
+    descriptors.reserve(watches.size() + 1);
     for (const auto& watch : watches)
         descriptors.push_back({watch->descriptor, POLLIN, 0});
     const auto milliseconds = static_cast<int>(std::ceil(wait.count() * 1000));

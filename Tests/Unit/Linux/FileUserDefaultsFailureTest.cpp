@@ -24,9 +24,11 @@ using Lines = std::vector<std::string>;
 
 /// A settings file that cannot be written, or read, for a while.
 class FileUserDefaultsFailure : public testing::Test {
+public:
+    ~FileUserDefaultsFailure() override { ::chmod(file.parent_path().c_str(), 0700); }
+
 protected:
     FileUserDefaultsFailure() { std::filesystem::create_directory(file.parent_path()); }
-    ~FileUserDefaultsFailure() override { ::chmod(file.parent_path().c_str(), 0700); }
 
     FileUserDefaults open() {
         return FileUserDefaults(file, [this](LogLevel level, std::string_view line) {

@@ -11,13 +11,15 @@ namespace kestrove {
 namespace {
 
 class QtDescriptorWatchingTest : public testing::Test {
-protected:
-    QtDescriptorWatchingTest() { EXPECT_EQ(::pipe(ends.data()), 0); }
+public:
     ~QtDescriptorWatchingTest() override {
         ::close(ends[0]);
         if (ends[1] >= 0)
             ::close(ends[1]);
     }
+
+protected:
+    QtDescriptorWatchingTest() { EXPECT_EQ(::pipe(ends.data()), 0); }
     void write() const { EXPECT_EQ(::write(ends[1], "x", 1), 1); }
     void read() const {
         char byte = 0;

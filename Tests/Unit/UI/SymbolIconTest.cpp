@@ -20,9 +20,10 @@ QPalette withText(Qt::GlobalColor color) {
 }
 
 class SymbolIconTest : public testing::Test {
-protected:
+public:
     ~SymbolIconTest() override { QGuiApplication::setPalette(m_before); }
 
+protected:
     /// The average of what the symbol covers wholly; absent pixels are no colour.
     static QColor colorOf(const QIcon& icon) {
         const auto image = icon.pixmap(QSize(64, 64)).toImage();

@@ -43,7 +43,9 @@ std::uint32_t nearestMix(const PixelImage& source, std::pair<int, int> columns,
         std::uint32_t smallest = 0xff;
         std::uint32_t largest = 0;
         for (int y = rows.first; y <= rows.second; ++y) {
-            const auto* const row = &source.pixels[static_cast<std::size_t>(y * source.width)];
+            const auto* const row =
+                &source
+                     .pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(source.width)];
             for (int x = columns.first; x <= columns.second; ++x) {
                 const auto value = channel(row[x], shift);
                 smallest = std::min(smallest, value);

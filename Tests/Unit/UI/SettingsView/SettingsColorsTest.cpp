@@ -39,6 +39,9 @@ struct Theme {
 };
 
 class SettingsColors : public testing::TestWithParam<Theme> {
+public:
+    ~SettingsColors() override { QApplication::setPalette(m_before); }
+
 protected:
     SettingsColors()
         : m_before(QApplication::palette()) {
@@ -48,7 +51,6 @@ protected:
         palette.setColor(QPalette::Highlight, accent);
         QApplication::setPalette(palette);
     }
-    ~SettingsColors() override { QApplication::setPalette(m_before); }
 
     static QImage picture(const QWidget& widget, const RecorderAppearance& appearance) {
         QImage image(widget.size(), QImage::Format_RGB32);

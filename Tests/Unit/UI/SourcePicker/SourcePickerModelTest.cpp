@@ -88,7 +88,7 @@ TEST_F(SourcePickerModelTest, ListsFirstAndThenTakesThePictures) {
     EXPECT_EQ(notes.info.subtitle, "Editor");
     EXPECT_EQ(notes.image->width, 480);
     EXPECT_EQ(notes.image->height, 240);
-    const auto* const middle = &notes.image->pixels[(120 * 480 + 240) * 4];
+    const auto* const middle = &notes.image->pixels[(120U * 480 + 240) * 4];
     EXPECT_EQ(std::vector(middle, middle + 3), (std::vector<std::uint8_t>{30, 30, 220}));
 }
 

@@ -13,13 +13,15 @@ namespace {
 
 /// The panel as a window of its own, which lives until it is closed.
 class PanelFrameTest : public MenuBarViewFixture {
+public:
+    ~PanelFrameTest() override { delete frame; }
+
 protected:
     PanelFrameTest() {
         frame = new PanelFrame(*view, std::nullopt);
         frame->show();
         settle();
     }
-    ~PanelFrameTest() override { delete frame; }
 
     void settle() {
         bench.settle();

@@ -48,6 +48,7 @@ protected:
         }
         std::ranges::sort(found, {}, &std::pair<int, std::string>::first);
         Texts result;
+        result.reserve(found.size());
         for (auto& each : found)
             result.push_back(std::move(each.second));
         return result;
