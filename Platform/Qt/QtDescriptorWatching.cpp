@@ -21,7 +21,7 @@ Subscription QtDescriptorWatching::watchReadable(int descriptor, std::function<v
     const auto watch = std::make_shared<Watch>(std::move(ready));
     // The copy keeps the callback alive while it runs, also when it unsubscribes itself.
     QObject::connect(notifier, &QSocketNotifier::activated, notifier, [watch] {
-        const auto running = watch;
+        const auto running = watch; // NOLINT(performance-unnecessary-copy-initialization)
         ++running->runs;
         running->ready();
         --running->runs;

@@ -20,6 +20,7 @@ SimulatedCaptureService::SimulatedCaptureService(SimulatedDesktop& desktop)
 
 std::vector<CaptureCall> SimulatedCaptureService::calls() const {
     std::vector<CaptureCall> calls;
+    calls.reserve(m_records.size());
     for (const auto& record : m_records)
         calls.push_back(record.call);
     return calls;

@@ -32,6 +32,7 @@ void KeyGrabs::release(xcb_keycode_t code, const std::set<std::uint16_t>& states
 std::set<std::uint16_t> KeyGrabs::grabOld(xcb_keycode_t code,
                                           const std::set<std::uint16_t>& states) {
     std::vector<std::pair<std::uint16_t, xcb_void_cookie_t>> asked;
+    asked.reserve(states.size());
     for (const auto state : states) {
         asked.emplace_back(state,
                            xcb_grab_key_checked(m_connection.get(), 0, m_connection.root(), state,
