@@ -24,7 +24,7 @@ TEST(ThreadSerialQueue, RunsWhatSeveralThreadsPostOneAtATimeInOrder) {
                 queue.post([&, poster, number] {
                     // Not guarded: the thread sanitizer tells when two operations overlap.
                     seen[poster].push_back(number);
-                    if (seen[0].size() + seen[1].size() == 2 * count)
+                    if (seen[0].size() + seen[1].size() == 2UL * count)
                         done.set_value();
                 });
         });

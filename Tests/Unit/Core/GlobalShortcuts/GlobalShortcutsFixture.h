@@ -43,6 +43,7 @@ struct ShortcutsBench {
     }
     [[nodiscard]] std::vector<std::string> logLines() const {
         std::vector<std::string> lines;
+        lines.reserve(log.lines.size());
         for (const auto& line : log.lines)
             lines.push_back(line.text);
         return lines;
