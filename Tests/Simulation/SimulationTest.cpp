@@ -40,7 +40,7 @@ void expectPromisesKept(std::uint64_t seed) {
 TEST(Simulation, KeepsItsPromises) {
     const auto first = number("KESTROVE_SEED", 1);
     // The sanitizers make a seed five times as slow, and see what they look for in any of them.
-    const auto count = number("KESTROVE_SEEDS", KESTROVE_SANITIZED == 1 ? 200 : 1000);
+    const auto count = number("KESTROVE_SEEDS", KESTROVE_SANITIZED == 1 ? 200 : 2000);
     for (auto seed = first; seed < first + count && !HasFailure(); ++seed)
         expectPromisesKept(seed);
     if (const char* const file = std::getenv("KESTROVE_REPORT"))

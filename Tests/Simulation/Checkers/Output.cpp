@@ -2,6 +2,7 @@
 #include "Tests/Simulation/Checkers/Checkers.h"
 #include "Tests/Simulation/Checkers/Names.h"
 
+#include <algorithm>
 #include <fmt/format.h>
 
 namespace kestrove::simulation {
@@ -105,8 +106,16 @@ std::optional<Failure> Checkers::checkRequests() {
                               call == CaptureCall::updateContentFilter;
         if (captures && !m_mayHaveCaptured)
             return Failure{"nothing is captured while nothing is shared", nameOf(state)};
-        if (record.filter && call != CaptureCall::captureImage)
+        if (call == CaptureCall::captureImage)
+            continue;
+        if (record.filter)
             m_lastAskedFor = sourceOf(*record.filter);
+        const auto rate =
+            std::clamp(m_program.settings().targetFPS.get(), std::int64_t{1}, std::int64_t{60});
+        const MediaTime interval{1, static_cast<std::int32_t>(rate)};
+        if (record.configuration && record.configuration->minimumFrameInterval != interval)
+            return Failure{"frames are asked for as often as the settings say",
+                           fmt::format("every {}/{} s", interval.value, interval.timescale)};
     }
     m_mayHaveCaptured = mayCapture(state);
     const auto active = m_program.controller().activeSource().get();

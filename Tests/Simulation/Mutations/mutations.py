@@ -102,6 +102,11 @@ MUTATIONS = [
              "    if (!isCurrent(request)) {",
              "        logError(\"capture switch failed\", result.error());\n"
              "    (void)request;\n    if (!isSessionActive()) {"),
+    Mutation("frame-rate-is-not-heard-of", CONTROLLER + "AppController.cpp",
+             "            m_with.captureEngine.setFPS(\n"
+             "                static_cast<int>("
+             "std::clamp<std::int64_t>(framesPerSecond, 1, 60)));\n",
+             "            (void)framesPerSecond;\n"),
     # The engine.
     Mutation("overtaken-stream-is-kept", ENGINE + "Reconfiguration.cpp",
              "    // From here on, letting go of a stream that has started stops it.\n"
