@@ -17,17 +17,22 @@ void letThrough(ControllerBench& bench, Order order) {
     bench.settle();
 }
 
+/// The permission goes, and a refresh finds out: the session begins to stop itself.
+void losePermission(ControllerBench& bench) {
+    bench.lister.failure = PlatformError("X11", 1);
+    bench.permission = ScreenRecordingPermission::revoked;
+    bench.scheduler.tick();
+    bench.settle();
+    letThrough(bench, Order::newestFirst);
+}
+
 TEST(AppControllerOverlap, ASwitchOnItsWayShowsNothingWhileTheSessionStopsItself) {
     ControllerBench bench;
     bench.create();
     bench.startAndRun();
     bench.gate.hold();
     bench.pointAt(2);
-    bench.lister.failure = PlatformError("X11", 1);
-    bench.permission = ScreenRecordingPermission::revoked;
-    bench.scheduler.tick();
-    bench.settle();
-    letThrough(bench, Order::newestFirst);
+    losePermission(bench);
     ASSERT_EQ(bench.gate.waiting(), (Events{"engine switch display 2", "engine stop"}));
     (void)bench.events();
     letThrough(bench, Order::oldestFirst);
@@ -43,11 +48,7 @@ TEST(AppControllerOverlap, ASessionThatStopsItselfEndsWhatCameToBeShownMeanwhile
     bench.create();
     bench.startAndRun();
     bench.gate.hold();
-    bench.lister.failure = PlatformError("X11", 1);
-    bench.permission = ScreenRecordingPermission::revoked;
-    bench.scheduler.tick();
-    bench.settle();
-    letThrough(bench, Order::newestFirst);
+    losePermission(bench);
     ASSERT_EQ(bench.gate.waiting(), Events{"engine stop"});
     bench.controller->toggleSource(window5, editor);
     bench.settle();
