@@ -73,12 +73,11 @@ class Kestrove(Pipeline):
         window = wait_until(lambda: desktop.find_window("kestrove"), "the output of Kestrove")
         time.sleep(NEWNESS)
         if source.window:
-            self._tick_window(desktop, window)
+            self._tick_window(desktop, window, source.window)
         place(desktop, window, scene, source)
         return process, window
 
-
-    def _tick_window(self, desktop, output):
+    def _tick_window(self, desktop, output, window):
         """The first window of the list, in the panel that a second start opens."""
         desktop.run(self.command)
         panel = wait_until(
@@ -88,8 +87,13 @@ class Kestrove(Pipeline):
                    "the keyboard in the panel")
         # Down to starting, the picker, two ways to follow, two displays, and the windows.
         desktop.run("xdotool", "key", "--delay", "50", *["Down"] * 7, "space", "Escape")
-        wait_until(lambda: "manual" in self._settings(desktop).read_text(encoding="utf-8"),
-                   "the ticked window")
+        # Else some other source would be measured.
+        number = str(int(window, 0))
+        wait_until(lambda: number in self._setting(desktop, "manualSources"), "the ticked window")
+
+    def _setting(self, desktop, key):
+        lines = self._settings(desktop).read_text(encoding="utf-8").splitlines()
+        return next((line for line in lines if line.startswith(f"kestrove.{key}=")), "")
 
     @staticmethod
     def _settings(desktop):

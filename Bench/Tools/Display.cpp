@@ -71,6 +71,9 @@ void Display::sayWhose(xcb_window_t window) const {
     xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_CLIENT_MACHINE,
                         XCB_ATOM_STRING, 8, static_cast<std::uint32_t>(strlen(machine.data())),
                         machine.data());
+    constexpr auto application = std::to_array("kestrove-bench\0Kestrove-bench");
+    xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_CLASS,
+                        XCB_ATOM_STRING, 8, application.size(), application.data());
 }
 
 void Display::demandExactPlace(xcb_window_t window, const xcb_rectangle_t& geometry) const {

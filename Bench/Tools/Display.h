@@ -31,7 +31,7 @@ public:
     void settle() const;
 
 private:
-    /// Programs offer windows by the process that they belong to.
+    /// Programs offer windows by the process and the application that they belong to.
     void sayWhose(xcb_window_t window) const;
     void demandExactPlace(xcb_window_t window, const xcb_rectangle_t& geometry) const;
 
