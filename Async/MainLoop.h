@@ -42,7 +42,7 @@ public:
     /// Ticks that were missed while the main thread was busy are merged into one.
     [[nodiscard]] virtual Timer runEvery(Seconds interval, Operation operation) = 0;
 
-    /// A queue of its own, running beside the main thread where the platform has threads.
+    /// A queue of its own, beside the main thread where what the platform puts there takes time.
     [[nodiscard]] virtual std::shared_ptr<SerialQueue> makeSerialQueue(std::string label) = 0;
 
     [[nodiscard]] virtual bool isMainThread() const = 0;

@@ -4,7 +4,6 @@
 #include "Platform/Linux/JournalLog.h"
 #include "Platform/Linux/Session/UserSession.h"
 #include "Platform/Linux/TerminationSignals.h"
-#include "Platform/Linux/ThreadSerialQueue.h"
 #include "Platform/Qt/QtApplicationObject.h"
 #include "Platform/Qt/QtDescriptorWatching.h"
 #include "Platform/Qt/QtMainLoop.h"
@@ -87,8 +86,7 @@ int main(int argumentCount, char** arguments) {
     // Window managers without icon themes show this one; it is the one that is installed, too.
     QApplication::setWindowIcon(symbolIcon("Kestrove"));
 
-    QtMainLoop loop(
-        [](std::string label) { return std::make_shared<ThreadSerialQueue>(std::move(label)); });
+    QtMainLoop loop;
     QtDescriptorWatching watching;
     const auto log = makeSystemLog(programName);
     FileUserDefaults defaults(FileUserDefaults::defaultFile(programName),

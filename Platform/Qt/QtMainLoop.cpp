@@ -1,5 +1,7 @@
 #include "Platform/Qt/QtMainLoop.h"
 
+#include "Async/MainLoopSerialQueue.h"
+
 #include <QCoreApplication>
 #include <QEvent>
 #include <QTimerEvent>
@@ -100,9 +102,8 @@ private:
     std::shared_ptr<TimerState> m_state;
 };
 
-QtMainLoop::QtMainLoop(SerialQueueFactory makeQueue)
-    : m_makeQueue(std::move(makeQueue))
-    , m_thread(std::this_thread::get_id())
+QtMainLoop::QtMainLoop()
+    : m_thread(std::this_thread::get_id())
     , m_start(std::chrono::steady_clock::now())
     , m_receiver(std::make_unique<Receiver>(*this)) {}
 
@@ -147,7 +148,7 @@ Timer QtMainLoop::runEvery(Seconds interval, Operation operation) {
 }
 
 std::shared_ptr<SerialQueue> QtMainLoop::makeSerialQueue(std::string label) {
-    return m_makeQueue(std::move(label));
+    return std::make_shared<MainLoopSerialQueue>(*this, std::move(label));
 }
 
 bool QtMainLoop::isMainThread() const {

@@ -7,7 +7,6 @@
 #include <atomic>
 #include <chrono>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <string>
 #include <thread>
@@ -25,16 +24,15 @@ namespace kestrove {
 /// Thread and lifetime: those of MainLoop. Outlived by the QCoreApplication.
 class QtMainLoop final : public MainLoop {
 public:
-    /// How the platform makes a queue that runs beside the main thread.
-    using SerialQueueFactory = std::function<std::shared_ptr<SerialQueue>(std::string label)>;
-
-    explicit QtMainLoop(SerialQueueFactory makeQueue);
+    QtMainLoop();
     ~QtMainLoop() override;
 
     Seconds now() const override;
     void post(Operation operation) override;
     Timer runAfter(Seconds delay, Operation operation) override;
     Timer runEvery(Seconds interval, Operation operation) override;
+    /// A queue on the main thread: frames are requests to the server here, no pixels, and what is
+    /// done with one on its queue takes less time than waking a thread does.
     std::shared_ptr<SerialQueue> makeSerialQueue(std::string label) override;
     bool isMainThread() const override;
 
@@ -48,7 +46,6 @@ private:
     void disarm(TimerState& timer);
     void tick(int qtTimer);
 
-    SerialQueueFactory m_makeQueue;
     std::thread::id m_thread;
     std::chrono::steady_clock::time_point m_start;
     std::unordered_map<int, std::shared_ptr<TimerState>> m_timers;

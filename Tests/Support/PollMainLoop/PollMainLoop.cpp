@@ -1,6 +1,6 @@
 #include "Tests/Support/PollMainLoop/PollMainLoop.h"
 
-#include "Platform/Linux/ThreadSerialQueue.h"
+#include "Tests/Support/PollMainLoop/ThreadSerialQueue.h"
 
 #include <algorithm>
 #include <cmath>

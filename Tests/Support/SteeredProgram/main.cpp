@@ -5,7 +5,6 @@
 #include "App/X11Desktop/X11Desktop.h"
 #include "Platform/Linux/FileUserDefaults.h"
 #include "Platform/Linux/JournalLog.h"
-#include "Platform/Linux/ThreadSerialQueue.h"
 #include "Platform/Qt/QtDescriptorWatching.h"
 #include "Platform/Qt/QtMainLoop.h"
 
@@ -64,8 +63,7 @@ int main(int argumentCount, char** arguments) {
     qputenv("QT_ENABLE_HIGHDPI_SCALING", "0");
     const QApplication qt(argumentCount, arguments);
     QApplication::setQuitOnLastWindowClosed(false);
-    QtMainLoop loop(
-        [](std::string label) { return std::make_shared<ThreadSerialQueue>(std::move(label)); });
+    QtMainLoop loop;
     QtDescriptorWatching watching;
     const auto log = makeSystemLog("kestrove");
     FileUserDefaults defaults(FileUserDefaults::defaultFile("kestrove"));

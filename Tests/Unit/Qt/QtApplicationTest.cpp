@@ -18,7 +18,7 @@ namespace {
 
 class QtApplicationTest : public testing::Test {
 protected:
-    QtMainLoop loop{[](const std::string&) { return nullptr; }};
+    QtMainLoop loop;
     QtApplication application{loop, "an.example.Application"};
 };
 

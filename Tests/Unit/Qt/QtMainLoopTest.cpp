@@ -1,6 +1,5 @@
 #include "Platform/Qt/QtMainLoop.h"
 
-#include "Platform/Linux/ThreadSerialQueue.h"
 #include "Tests/Support/QtSpin.h"
 
 #include <QEventLoop>
@@ -8,20 +7,15 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <atomic>
 #include <thread>
 #include <vector>
 
 namespace kestrove {
 namespace {
 
-std::shared_ptr<SerialQueue> makeQueue(std::string label) {
-    return std::make_shared<ThreadSerialQueue>(std::move(label));
-}
-
 class QtMainLoopTest : public testing::Test {
 protected:
-    QtMainLoop loop{makeQueue};
+    QtMainLoop loop;
 };
 
 TEST_F(QtMainLoopTest, RunsWhatIsPostedInOrderAndNeverInsideThePost) {
@@ -169,7 +163,7 @@ TEST(QtMainLoopEnd, DropsWhatIsQueuedAndLeavesTimersThatDoNothing) {
     Timer timer;
     Timer repeating;
     {
-        QtMainLoop loop(makeQueue);
+        QtMainLoop loop;
         loop.post([kept] { ADD_FAILURE(); });
         loop.post([owned = std::make_unique<PostsAtItsEnd>(loop)] { ADD_FAILURE(); });
         timer = loop.runAfter(Seconds(0), [kept] { ADD_FAILURE(); });
@@ -179,23 +173,39 @@ TEST(QtMainLoopEnd, DropsWhatIsQueuedAndLeavesTimersThatDoNothing) {
     timer.cancel();
     repeating.cancel();
     EXPECT_EQ(kept.use_count(), 1);
-    QtMainLoop another(makeQueue);
+    QtMainLoop another;
     bool ran = false;
     const auto later = another.runAfter(Seconds(0.01), [&] { ran = true; });
     EXPECT_TRUE(spinUntil([&] { return ran; }));
 }
 
-TEST_F(QtMainLoopTest, MakesQueuesThatRunBesideTheMainThread) {
-    const auto queue = loop.makeSerialQueue("a.queue");
+TEST_F(QtMainLoopTest, MakesQueuesThatRunOnTheMainThreadInTurnsOfTheirOwn) {
+    auto queue = loop.makeSerialQueue("a.queue");
     EXPECT_EQ(queue->label(), "a.queue");
-    std::atomic<bool> ran = false;
-    queue->post([&] {
-        EXPECT_FALSE(loop.isMainThread());
-        ran = true;
-        // Wakes the main thread, which waits for events.
-        loop.post([] {});
+    std::vector<int> order;
+    std::thread other([&] {
+        for (const int number : {1, 2})
+            queue->post([&, number] {
+                EXPECT_TRUE(loop.isMainThread());
+                order.push_back(number);
+                queue->post([&, number] { order.push_back(10 * number); });
+                EXPECT_NE(order.back(), 10 * number);
+            });
     });
-    EXPECT_TRUE(spinUntil([&] { return ran.load(); }));
+    EXPECT_TRUE(spinUntil([&] { return order.size() == 4; }));
+    other.join();
+    EXPECT_EQ(order, (std::vector{1, 2, 10, 20}));
+}
+
+TEST_F(QtMainLoopTest, DropsWhatIsQueuedWhereTheQueueGoes) {
+    auto queue = loop.makeSerialQueue("short-lived");
+    const auto kept = std::make_shared<bool>(false);
+    queue->post([kept] { *kept = true; });
+    queue.reset();
+    bool isLater = false;
+    loop.post([&] { isLater = true; });
+    EXPECT_TRUE(spinUntil([&] { return isLater; }));
+    EXPECT_FALSE(*kept);
 }
 
 } // namespace

@@ -1,6 +1,5 @@
 #include "Tests/X11/Sources/SourcesFixture.h"
 
-#include "Platform/Linux/ThreadSerialQueue.h"
 #include "Tests/Support/PixelReader/PixelReader.h"
 #include "Tests/Support/Processes/Waiting.h"
 #include "Tests/Support/XServer/Reply.h"
@@ -25,8 +24,7 @@ bool isInFront() {
 } // namespace
 
 SourcesFixture::SourcesFixture()
-    : events([](std::string label) { return std::make_shared<ThreadSerialQueue>(label); })
-    , leftFloor(desktop().displayName(), floorOptions(leftPlace, leftColor))
+    : leftFloor(desktop().displayName(), floorOptions(leftPlace, leftColor))
     , rightFloor(desktop().displayName(), floorOptions(rightPlace, rightColor)) {
     for (const auto* floor : {&leftFloor, &rightFloor}) {
         const std::uint32_t below = XCB_STACK_MODE_BELOW;

@@ -1,4 +1,4 @@
-#include "Platform/Linux/ThreadSerialQueue.h"
+#include "Tests/Support/PollMainLoop/ThreadSerialQueue.h"
 
 #include <cstdio>
 #include <cstdlib>
