@@ -135,21 +135,18 @@ void X11CaptureStream::followDisplay() {
 void X11CaptureStream::requestWholeFrame() {
     m_isWholeFrameDue = true;
     // A new target is shown at once, however short ago the last frame was.
-    m_lastFrame.reset();
+    m_pacer.restart();
     m_nextFrame = m_connection.loop().runAfter(Seconds(0), [this] { makeFrame(); });
 }
 
 void X11CaptureStream::requestFrame() {
     if (!m_isRunning || m_nextFrame.isPending())
         return;
-    const Seconds interval(static_cast<double>(m_configuration.minimumFrameInterval.value) /
-                           m_configuration.minimumFrameInterval.timescale);
-    const auto now = m_connection.loop().now();
-    if (!m_lastFrame || now >= *m_lastFrame + interval)
+    const auto wait = m_pacer.wait(m_connection.loop().now());
+    if (wait <= Seconds(0))
         makeFrame();
     else
-        m_nextFrame =
-            m_connection.loop().runAfter(*m_lastFrame + interval - now, [this] { makeFrame(); });
+        m_nextFrame = m_connection.loop().runAfter(wait, [this] { makeFrame(); });
 }
 
 void X11CaptureStream::makeFrame() {
@@ -230,7 +227,9 @@ void X11CaptureStream::paint(const PaintTarget& target, const Region& region) {
 }
 
 void X11CaptureStream::handOn(Region damage) {
-    m_lastFrame = m_connection.loop().now();
+    const Seconds interval(static_cast<double>(m_configuration.minimumFrameInterval.value) /
+                           m_configuration.minimumFrameInterval.timescale);
+    m_pacer.made(m_connection.loop().now(), interval);
     ++m_room->samplesOnTheirWay;
     auto released = [room = m_room, &loop = m_connection.loop()](FrameSample::Content content) {
         // The surface belongs to the main thread; so does the count.

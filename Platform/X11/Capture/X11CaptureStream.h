@@ -3,6 +3,7 @@
 #include "Async/TaskScope.h"
 #include "Desktop/ScreenCapture.h"
 #include "Platform/X11/Capture/CaptureServices.h"
+#include "Platform/X11/Capture/FramePacer.h"
 #include "Platform/X11/Capture/FrameSample.h"
 #include "Platform/X11/Capture/SourceContent.h"
 #include "Platform/X11/Screens/MonitorLayout.h"
@@ -78,7 +79,7 @@ private:
     std::uint64_t m_number = 0;
     std::shared_ptr<Room> m_room = std::make_shared<Room>();
     bool m_isWaitingForRoom = false;
-    std::optional<Seconds> m_lastFrame;
+    FramePacer m_pacer;
     Timer m_nextFrame;
 
     Subscription m_aboutToChange;
