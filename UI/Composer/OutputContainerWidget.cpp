@@ -3,6 +3,8 @@
 #include "UI/Composer/LayerHostWidget.h"
 #include "UI/Composer/PlaceholderWidget.h"
 
+#include <QBackingStore>
+
 #include <utility>
 
 namespace kestrove {
@@ -23,6 +25,14 @@ void OutputContainerWidget::showContent(ContainerView& content) {
     content.displayLayer().setHost(m_host->winId());
     m_host->show();
     m_placeholder->hide();
+    letGoOfPixels();
+}
+
+void OutputContainerWidget::letGoOfPixels() {
+    // Nothing of it is seen while the content lies above. Before it draws again, the toolkit makes
+    // it as large as the window by itself.
+    if (auto* const pixels = window()->backingStore())
+        pixels->resize(QSize(1, 1));
 }
 
 void OutputContainerWidget::showPlaceholder() {

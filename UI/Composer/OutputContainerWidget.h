@@ -26,6 +26,8 @@ protected:
 
 private:
     void removeContent();
+    /// What the toolkit has drawn of the window: megabytes, here and in the server.
+    void letGoOfPixels();
 
     PlaceholderWidget* m_placeholder;
     LayerHostWidget* m_host;

@@ -1,9 +1,12 @@
 #include "UI/Composer/OutputContainerWidget.h"
 
+#include "Tests/Support/QtSpin.h"
 #include "UI/Composer/LayerHostWidget.h"
 #include "UI/Composer/OutputContainer.h"
 #include "UI/Composer/PlaceholderWidget.h"
 
+#include <QBackingStore>
+#include <QCoreApplication>
 #include <QImage>
 #include <QLabel>
 
@@ -57,6 +60,17 @@ TEST_F(OutputContainerWidgetTest, HostsTheContentsLayerInPlaceOfThePlaceholder) 
     EXPECT_NE(hostHandle(), container->window()->winId());
     EXPECT_TRUE(host().isVisible());
     EXPECT_FALSE(placeholder().isVisible());
+}
+
+TEST_F(OutputContainerWidgetTest, LetsGoOfWhatTheToolkitHasDrawnBeneathTheContent) {
+    const auto& pixels = *container->backingStore();
+    EXPECT_TRUE(spinUntil([&] { return pixels.size() == QSize(640, 360); }));
+    container->showContent(view);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(pixels.size(), QSize(1, 1));
+    // What the toolkit draws anew it draws whole.
+    container->showPlaceholder();
+    EXPECT_TRUE(spinUntil([&] { return pixels.size() == QSize(640, 360); }));
 }
 
 TEST_F(OutputContainerWidgetTest, FollowsItsOwnSizeWithBoth) {
