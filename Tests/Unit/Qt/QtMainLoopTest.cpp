@@ -192,8 +192,10 @@ TEST_F(QtMainLoopTest, MakesQueuesThatRunOnTheMainThreadInTurnsOfTheirOwn) {
                 EXPECT_NE(order.back(), 10 * number);
             });
     });
-    EXPECT_TRUE(spinUntil([&] { return order.size() == 4; }));
+    // Both are queued before the first one runs.
     other.join();
+    EXPECT_TRUE(order.empty());
+    EXPECT_TRUE(spinUntil([&] { return order.size() == 4; }));
     EXPECT_EQ(order, (std::vector{1, 2, 10, 20}));
 }
 

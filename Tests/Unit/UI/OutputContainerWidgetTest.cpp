@@ -119,7 +119,7 @@ TEST_F(OutputContainerWidgetTest, SaysInTwoCentredLinesOnBlackThatNothingIsShare
             if (image.pixel(x, y) == qRgb(0, 0, 0))
                 continue;
             ++written;
-            ASSERT_NEAR(y, image.height() / 2, 40) << "not in the middle";
+            ASSERT_NEAR(y, image.height() / 2.0, 40) << "not in the middle";
         }
     }
     EXPECT_GT(written, 100) << "nothing to read";
