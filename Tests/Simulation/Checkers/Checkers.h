@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -82,6 +83,9 @@ private:
     std::size_t m_lookedAtRecords = 0;
     /// At any moment since the last look.
     bool m_mayHaveCaptured = false;
+    /// What the setting was since the session last came to rest: a change during a start or a
+    /// switch counts from the next one on.
+    std::set<std::int64_t> m_frameRates;
     /// Since the session began.
     bool m_hasLackedPermission = false;
     /// Of the capture service, at the last look.

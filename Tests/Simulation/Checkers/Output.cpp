@@ -98,6 +98,9 @@ std::optional<Failure> Checkers::checkRequests() {
     const auto& records = m_desktop.capture().records();
     const auto state = m_program.controller().sessionState().get();
     m_mayHaveCaptured |= mayCapture(state);
+    const auto frameRate =
+        std::clamp(m_program.settings().targetFPS.get(), std::int64_t{1}, std::int64_t{60});
+    m_frameRates.insert(frameRate);
     for (; m_lookedAtRecords < records.size(); ++m_lookedAtRecords) {
         const auto& record = records[m_lookedAtRecords];
         const auto call = record.call;
@@ -110,14 +113,16 @@ std::optional<Failure> Checkers::checkRequests() {
             continue;
         if (record.filter)
             m_lastAskedFor = sourceOf(*record.filter);
-        const auto rate =
-            std::clamp(m_program.settings().targetFPS.get(), std::int64_t{1}, std::int64_t{60});
-        const MediaTime interval{1, static_cast<std::int32_t>(rate)};
-        if (record.configuration && record.configuration->minimumFrameInterval != interval)
+        if (!record.configuration)
+            continue;
+        const auto asked = record.configuration->minimumFrameInterval;
+        if (asked.value != 1 || !m_frameRates.contains(asked.timescale))
             return Failure{"frames are asked for as often as the settings say",
-                           fmt::format("every {}/{} s", interval.value, interval.timescale)};
+                           fmt::format("every {}/{} s", asked.value, asked.timescale)};
     }
     m_mayHaveCaptured = mayCapture(state);
+    if (state.kind() != Kind::starting && state.kind() != Kind::switching)
+        m_frameRates = {frameRate};
     const auto active = m_program.controller().activeSource().get();
     if (state.kind() == Kind::running && active && m_lastAskedFor != active)
         return Failure{
