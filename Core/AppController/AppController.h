@@ -155,6 +155,7 @@ private:
     autoDisplaySource(std::optional<DisplayID> preferred) const;
     [[nodiscard]] bool isChoosable(CaptureSource source) const;
     void beginFollowing(std::optional<CaptureSource> failedSource = std::nullopt);
+    void retryFailedSource();
     void startSourceTracking();
     void stopSourceTracking();
     void handleFollowModeChange(FollowMode mode);

@@ -55,12 +55,23 @@ void AppController::beginFollowing(std::optional<CaptureSource> failedSource) {
         m_sourceNotToRetry = failedSource;
     startSourceTracking();
     m_sourceNotToRetry.reset();
-    // Who failed once is tried again the next time that the user does something there: the user
-    // may stay there for long, and the tracker tells changes only.
-    if (failedSource && failedSource != m_lastFailedSource && isAutoFollow(m_followMode))
-        m_with.displayTracker.announceNext();
+    const bool isFirstFailure = failedSource != m_lastFailedSource;
     m_lastFailedSource = failedSource;
-    m_with.sourceRefreshScheduler.schedule(refreshInterval, [this] { scheduleSourceRefresh(); });
+    if (isFirstFailure)
+        retryFailedSource();
+    m_with.sourceRefreshScheduler.schedule(refreshInterval, [this] {
+        retryFailedSource();
+        scheduleSourceRefresh();
+    });
+}
+
+/// What failed is tried again the next time that the user does something there: the user may stay
+/// there for long, and the tracker tells changes only. Who fails again has to wait for the next
+/// refresh: a display that cannot be captured would have the output go back and forth with every
+/// movement.
+void AppController::retryFailedSource() {
+    if (m_lastFailedSource && isAutoFollow(m_followMode))
+        m_with.displayTracker.announceNext();
 }
 
 void AppController::startSourceTracking() {

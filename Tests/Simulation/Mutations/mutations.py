@@ -86,6 +86,9 @@ MUTATIONS = [
     Mutation("mode-change-leaves-the-source", CONTROLLER + "Following.cpp",
              "    if (isSessionActive())\n        applyManualSources("
              "m_with.settings.manualSources.get());\n", ""),
+    Mutation("who-failed-twice-is-given-up", CONTROLLER + "Following.cpp",
+             "        retryFailedSource();\n        scheduleSourceRefresh();\n",
+             "        scheduleSourceRefresh();\n"),
     Mutation("overtaken-start-goes-on", CONTROLLER + "Lifecycle.cpp",
              "    co_await refreshAvailableSources();\n    if (session != m_sessionNumber)\n"
              "        co_return;\n",

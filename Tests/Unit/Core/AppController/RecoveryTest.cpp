@@ -71,6 +71,29 @@ TEST(AppControllerRecovery, ADisplayThatFailedOnceIsShownWhenTheUserGoesOnThere)
     }
 }
 
+TEST(AppControllerRecovery, ADisplayThatFailedTwiceIsTriedOnceForEachRefresh) {
+    ControllerBench bench;
+    bench.create();
+    bench.startAndRun();
+    bench.engine.failFor(display2, refused);
+    bench.pointAt(2);
+    bench.pointAt(2);
+    for (int refresh = 0; refresh < 2; ++refresh) {
+        (void)bench.events();
+        bench.scheduler.tick();
+        bench.settle();
+        EXPECT_EQ(bench.active(), display1) << "without a movement";
+        for (int movement = 0; movement < 3; ++movement)
+            bench.pointAt(2);
+        EXPECT_EQ(std::ranges::count(bench.events(), "engine switch display 2"), 1);
+        ASSERT_EQ(bench.active(), display1);
+    }
+    bench.engine.failures.clear();
+    bench.scheduler.tick();
+    bench.pointAt(2);
+    EXPECT_EQ(bench.active(), display2);
+}
+
 TEST(AppControllerRecovery, OfTheFirstSwitchFollowsOnOnce) {
     ControllerBench bench;
     bench.engine.failFor(display1, refused);
