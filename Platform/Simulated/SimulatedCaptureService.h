@@ -63,6 +63,9 @@ public:
     [[nodiscard]] std::vector<CaptureCall> calls() const;
     void clearRecords() { m_records.clear(); }
 
+    /// How often what is there could not be listed.
+    [[nodiscard]] int failedListings() const { return m_failedListings; }
+
     /// Streams that their users have not let go of yet, in the order in which they were made.
     [[nodiscard]] std::vector<std::shared_ptr<SimulatedStream>> streams() const;
     /// The one that was made last; absent when it has been let go of.
@@ -78,6 +81,7 @@ public:
 
     // For the adapters.
     void record(CaptureRecord record);
+    void recordFailedListing() { ++m_failedListings; }
     void recordEnd(int stream) { m_endedByThemselves.insert(stream); }
     std::shared_ptr<SimulatedStream>
     makeStream(ContentFilter filter, StreamConfiguration configuration, StopHandler stopped);
@@ -90,6 +94,7 @@ private:
     std::vector<CaptureRecord> m_records;
     std::vector<std::weak_ptr<SimulatedStream>> m_streams;
     int m_streamCount = 0;
+    int m_failedListings = 0;
     std::set<int> m_endedByThemselves;
     /// A thread of the platform's own, from which stops are reported.
     std::shared_ptr<SerialQueue> m_platformQueue;

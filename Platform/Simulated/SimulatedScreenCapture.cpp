@@ -50,8 +50,11 @@ Task<ContentResult> answerContent(SimulatedDesktop& desktop, DesktopWindows desk
     const Completion<ContentResult> completion(desktop.loop());
     desktop.capture().shareableContent.begin(
         [&desktop, desktopWindows, listed, completion](auto failure) {
-            completion.complete(failure ? std::unexpected(std::move(*failure))
-                                        : readContent(desktop, desktopWindows, listed));
+            auto content = failure ? std::unexpected(std::move(*failure))
+                                   : readContent(desktop, desktopWindows, listed);
+            if (!content)
+                desktop.capture().recordFailedListing();
+            completion.complete(std::move(content));
         });
     co_return co_await completion;
 }

@@ -29,6 +29,8 @@ Checkers::Checkers(SimulatedDesktop& desktop, Program& program)
             if (m_interrupted && !contains(picked, *m_interrupted))
                 m_interrupted.reset();
         }));
+    m_watching.push_back(program.controller().availableSources().subscribe(
+        [this](const auto&) { m_failedListings = m_desktop.capture().failedListings(); }));
     m_watching.push_back(program.globalShortcuts().operationFailures().subscribe(
         [this](const ShortcutFailures& failures) { shortcutFailuresChange(failures); }));
     m_watching.push_back(program.globalShortcuts().registeredActions().subscribe(

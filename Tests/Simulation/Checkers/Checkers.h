@@ -95,6 +95,8 @@ private:
     std::optional<CaptureSource> m_interrupted;
     /// A pick that stays on show as an automatic mode has no display to switch to.
     std::optional<CaptureSource> m_shownForWantOfADisplay;
+    /// When the program last published what is there.
+    int m_failedListings = 0;
     int m_editsAtFailure = 0;
     std::vector<Subscription> m_watching;
 };

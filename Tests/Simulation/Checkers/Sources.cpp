@@ -40,9 +40,10 @@ std::optional<Failure> Checkers::checkChosen() {
     const bool isByHand = settings.followMode.get() == FollowMode::manual;
     const bool isChosen =
         isByHand ? contains(settings.manualSources.get(), *active) : active->isDisplay();
-    // One that is plugged in is known with the next refresh.
+    // One that is plugged in is known with the next refresh, and after one that failed, none is.
     const bool isNoneKnown = m_desktop.displays().empty() ||
-                             m_program.controller().availableSources().get().displays.empty();
+                             m_program.controller().availableSources().get().displays.empty() ||
+                             m_desktop.capture().failedListings() > m_failedListings;
     if (!isByHand && isNoneKnown)
         m_shownForWantOfADisplay = active;
     else if (isChosen || active != m_shownForWantOfADisplay)
