@@ -160,6 +160,8 @@ private:
     void stopSourceTracking();
     void handleFollowModeChange(FollowMode mode);
     void follow(std::optional<CaptureSource> source);
+    /// Whether the session shows its source, or has none.
+    [[nodiscard]] bool hasSettled() const;
     [[nodiscard]] Task<void> runFollow(std::uint64_t followRequest,
                                        std::optional<CaptureSource> source);
 

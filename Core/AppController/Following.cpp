@@ -144,10 +144,21 @@ Task<void> AppController::runFollow(std::uint64_t followRequest,
                                     std::optional<CaptureSource> source) {
     if (followRequest != m_followRequest || !isSessionActive())
         co_return;
+    const auto session = m_sessionNumber;
     if (source)
         co_await switchTo(*source, Fallback::allowed);
     else
         co_await waitForSource();
+    // What the start of the session chose may still be on its way at the engine, and then the start
+    // would begin this late, or never.
+    if (isActive(session) && hasSettled() && !m_isFollowing && !m_isHandlingSourceFailure)
+        beginFollowing();
+}
+
+bool AppController::hasSettled() const {
+    return m_isOutputSettled &&
+           (m_sessionState.get() == CaptureSessionState::running() ||
+            m_sessionState.get() == CaptureSessionState::waitingForSource());
 }
 
 } // namespace kestrove

@@ -62,6 +62,34 @@ TEST(AppControllerOverlap, ASessionThatStopsItselfEndsWhatCameToBeShownMeanwhile
     EXPECT_EQ(bench.engine.currentSource(), std::nullopt) << "its stream runs on";
 }
 
+TEST(AppControllerOverlap, WhatIsPickedDuringAStartIsFollowedAndComesBackByItself) {
+    ControllerBench bench;
+    bench.create();
+    bench.gate.hold();
+    bench.controller->start();
+    bench.settle();
+    letThrough(bench, Order::oldestFirst);
+    ASSERT_EQ(bench.gate.waiting(), Events{"engine switch display 1"});
+    bench.controller->toggleSource(display2, {});
+    bench.settle();
+    ASSERT_EQ(bench.gate.waiting(),
+              (Events{"engine switch display 1", "engine switch display 2"}));
+    letThrough(bench, Order::newestFirst);
+    ASSERT_EQ(bench.state(), State::running());
+    EXPECT_TRUE(bench.scheduler.isScheduled()) << "while the start's own switch is on its way";
+    (void)bench.events();
+    bench.engine.endStream();
+    bench.settle();
+    ASSERT_EQ(bench.state(),
+              State::recoveryRequired(CaptureRecoveryReason::streamStopped));
+    bench.gate.open();
+    bench.scheduler.tick();
+    bench.settle();
+    EXPECT_EQ(bench.state(), State::running());
+    EXPECT_EQ(bench.active(), display2);
+    EXPECT_EQ(std::ranges::count(bench.events(), "refresh every 5"), 1) << "begun once a session";
+}
+
 TEST(AppControllerOverlap, ALateStopDoesNotLeaveTheNextSessionWithoutItsStream) {
     ControllerBench bench;
     bench.create();
