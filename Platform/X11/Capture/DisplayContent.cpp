@@ -15,7 +15,6 @@ DisplayContent::DisplayContent(Connection& connection, CaptureServices& services
     , m_area(area)
     , m_excluded(std::move(excluded))
     , m_root(connection, connection.generateIdentifier())
-    , m_rootDamage(connection, connection.generateIdentifier())
     , m_drawn(connection, connection.generateIdentifier())
     , m_events(connection.events.subscribe([this](const auto& event) { onEvent(event); }))
     , m_drained(connection.eventsDrained.subscribe([this] { onDrained(); }))
@@ -27,8 +26,6 @@ DisplayContent::DisplayContent(Connection& connection, CaptureServices& services
     xcb_render_create_picture(xcb, m_root.get(), connection.root(),
                               format ? format->identifier : XCB_NONE, XCB_RENDER_CP_SUBWINDOW_MODE,
                               &inferiors);
-    xcb_damage_create(xcb, m_rootDamage.get(), connection.root(),
-                      XCB_DAMAGE_REPORT_LEVEL_DELTA_RECTANGLES);
     xcb_xfixes_create_region(xcb, m_drawn.get(), 0, nullptr);
     connection.selectEvents(connection.root(), XCB_EVENT_MASK_PROPERTY_CHANGE);
     arrange();
@@ -72,14 +69,32 @@ void DisplayContent::arrange() {
         m_damage += m_composition.covered + next.covered;
     m_composition = std::move(next);
     updateBeneath();
-    // What stayed changed where it was not shown directly is told from now on.
-    xcb_damage_subtract(m_connection.get(), m_rootDamage.get(), XCB_NONE, XCB_NONE);
+    watchScreen();
     m_isNew = false;
     m_hasNews = true;
     m_connection.flush();
     // Made outside of a batch of events, the news would wait for the next one.
     if (changed.hasSubscribers())
         onDrained();
+}
+
+void DisplayContent::watchScreen() {
+    if (m_composition.direct.isEmpty()) {
+        m_rootDamage.reset();
+        return;
+    }
+    auto* const xcb = m_connection.get();
+    const bool isNew = !m_rootDamage;
+    if (isNew) {
+        m_rootDamage = DamageMonitor(m_connection, m_connection.generateIdentifier());
+        xcb_damage_create(xcb, m_rootDamage.get(), m_connection.root(),
+                          XCB_DAMAGE_REPORT_LEVEL_DELTA_RECTANGLES);
+    }
+    // What stayed changed where it was not shown directly is told from now on.
+    const auto accepted =
+        xcb_damage_subtract(xcb, m_rootDamage.get(), XCB_NONE, XCB_NONE).sequence;
+    if (isNew)
+        m_watchedSince = accepted;
 }
 
 void DisplayContent::updateBeneath() {
@@ -122,7 +137,8 @@ void DisplayContent::onEvent(const xcb_generic_event_t& event) {
     const int type = event.response_type & 0x7F;
     if (type == m_connection.extensions().damageFirstEvent + XCB_DAMAGE_NOTIFY) {
         const auto& notify = reinterpret_cast<const xcb_damage_notify_event_t&>(event);
-        if (notify.damage != m_rootDamage.get())
+        if (notify.damage != m_rootDamage.get() ||
+            static_cast<std::int32_t>(event.full_sequence - m_watchedSince) < 0)
             return;
         const auto direct = Region(notify.area) & m_composition.direct;
         if (direct.isEmpty())
@@ -198,6 +214,8 @@ void DisplayContent::tellOfDrawing(xcb_window_t window, const Region& drawn) {
 }
 
 Region DisplayContent::paintedAtOnce(const Region& region) const {
+    if (!m_composition.isBlended())
+        return region;
     return region & m_composition.direct.translated(-m_area.x, -m_area.y);
 }
 

@@ -14,10 +14,11 @@
 namespace kestrove::x11 {
 
 /// A display as the screen shows it, but for windows that are left out: where one of them would be
-/// seen, the windows beneath it are composed instead.
+/// seen, the windows beneath it are composed instead, and everywhere if these fill the display.
 ///
 /// Only what changes in the display and outside the left-out windows makes it new: what we draw
-/// into our own windows wakes us once after a frame, and not at all without one.
+/// into our own windows wakes us once after a frame where the screen is read, and not at all
+/// without one.
 class DisplayContent final : public SourceContent {
 public:
     /// `area`: the display's pixels on the root.
@@ -43,6 +44,7 @@ private:
 
     void arrange();
     void updateBeneath();
+    void watchScreen();
     void onEvent(const xcb_generic_event_t& event);
     void onDrained();
     [[nodiscard]] Region displayRegion() const { return Region(m_area); }
@@ -62,7 +64,10 @@ private:
     std::map<xcb_window_t, Beneath> m_beneath;
     std::unique_ptr<RootBackground> m_background;
     Picture m_root;
+    /// None while the screen is not read.
     DamageMonitor m_rootDamage;
+    /// What it tells of requests before this one is that all has changed, since it is new.
+    std::uint32_t m_watchedSince = 0;
     ServerRegion m_drawn;
     /// Something to show was told since the changes were last accepted.
     bool m_isRootDamaged = false;

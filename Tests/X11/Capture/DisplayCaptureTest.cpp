@@ -20,6 +20,13 @@ TestWindow::Options patterned(const xcb_rectangle_t& geometry) {
     return {.geometry = geometry, .fill = WindowFill::pattern, .overrideRedirect = true};
 }
 
+void fill(PixelImage& image, const xcb_rectangle_t& part, Color color) {
+    for (int y = part.y; y < part.y + part.height; ++y) {
+        for (int x = part.x; x < part.x + part.width; ++x)
+            image.pixels[static_cast<std::size_t>(y * image.width + x)] = color;
+    }
+}
+
 class DisplayCapture : public testing::TestWithParam<Desk> {
 protected:
     [[nodiscard]] const std::string& displayName() { return test.desktop.displayName(); }
@@ -74,11 +81,50 @@ TEST_P(DisplayCapture, FollowsWhatChangesBeneathTheOutput) {
     test.start(test.display(0, {test.outputWindow()}));
     ASSERT_TRUE(test.outputBecomes(expected, "before"));
     below.fillRectangle({10, 20, 30, 40}, 0xFFFF0000);
-    for (int y = 70; y < 110; ++y) {
-        for (int x = 710; x < 740; ++x)
-            expected.pixels[static_cast<std::size_t>(y * expected.width + x)] = 0xFFFF0000;
-    }
+    fill(expected, {710, 70, 30, 40}, 0xFFFF0000);
     EXPECT_TRUE(test.outputBecomes(expected, "changed"));
+}
+
+TEST_P(DisplayCapture, FollowsAWindowThatFillsItAndOthersThatComeAndGo) {
+    TestWindow filling(displayName(), patterned(wholeLeft));
+    test.settleScreen(wholeLeft);
+    auto expected = test.screen(wholeLeft);
+    // As the mark of what is shared, along an edge.
+    const TestWindow mark(
+        displayName(),
+        {.geometry = {0, 0, 1280, 4}, .color = 0xFFFF00FF, .overrideRedirect = true});
+    test.openOutput({1280, 0, 1280, 800});
+    test.start(test.display(0, {mark.id()}));
+    ASSERT_TRUE(test.outputBecomes(expected, "filled"));
+    Color color = 0xFF101010;
+    const auto draw = [&](const xcb_rectangle_t& part) {
+        color += 0x102030;
+        filling.fillRectangle(part, color);
+        fill(expected, part, color);
+    };
+    draw({0, 0, 100, 50});
+    draw({600, 350, 80, 60});
+    ASSERT_TRUE(test.outputBecomes(expected, "drawn beneath the mark and elsewhere"));
+    for (int time = 0; time < 3; ++time) {
+        const auto without = expected;
+        TestWindow other(
+            displayName(),
+            {.geometry = {500, 300, 100, 80}, .color = 0xFF0055AA, .overrideRedirect = true});
+        fill(expected, {500, 300, 100, 80}, 0xFF0055AA);
+        EXPECT_TRUE(test.outputBecomes(expected, "another one came"));
+        other.fillRectangle({10, 10, 20, 20}, 0xFF00FF00);
+        fill(expected, {510, 310, 20, 20}, 0xFF00FF00);
+        EXPECT_TRUE(test.outputBecomes(expected, "the other was drawn into"));
+        other.unmap();
+        expected = without;
+        EXPECT_TRUE(test.outputBecomes(expected, "it went"));
+        // At once: what changes while the display is put together anew is not lost.
+        other.show();
+        draw({200, 500, 60, 60});
+        other.unmap();
+        draw({300, 500, 60, 60});
+        EXPECT_TRUE(test.outputBecomes(expected, "drawn as it came and went"));
+    }
 }
 
 TEST_P(DisplayCapture, ComposesAShapedWindowBeneathTheOutput) {

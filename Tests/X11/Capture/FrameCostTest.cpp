@@ -131,6 +131,19 @@ TEST_F(FrameCost, OfABlockUnderTheOutput) {
                           .events = 2});
 }
 
+// The screen is not read, and so our own drawing on it is not told of.
+TEST_F(FrameCost, OfABlockInAWindowThatFillsTheMarkedDisplay) {
+    const auto window = source(wholeLeft);
+    const auto mark = source({0, 0, 1280, 4});
+    test.openOutput({1280, 0, 1280, 800});
+    test.start(test.display(0, {mark->id()}));
+    const auto seen = costOf(
+        [&](int step) { window->fillRectangle({100, 50, 200, 200}, static_cast<Color>(step)); });
+    expectPerFrame(
+        seen,
+        {.requests = 3, .bytes = 72, .draws = 1, .pixels = 200 * 200, .replies = 0, .events = 1});
+}
+
 TEST_F(FrameCost, OfABlockBesideTheOutputOnTheSameDisplay) {
     const auto window = source(wholeLeft);
     test.openOutput({400, 300, 640, 400});
