@@ -153,6 +153,8 @@ std::optional<PlatformError> SimulatedStream::findObstacle(const ContentFilter& 
 
 void SimulatedStream::end() {
     m_phase = Phase::ended;
+    // A sample that is let go of later is no occasion for another one.
+    m_mustDeliver = false;
     m_worldChanges.cancel();
     m_nextDelivery.cancel();
     m_scope.cancelAll();

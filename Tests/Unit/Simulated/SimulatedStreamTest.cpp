@@ -77,6 +77,20 @@ TEST_F(SimulatedStreamTest, MergesWhatWouldBeOneFrameTooManyOnItsWay) {
     EXPECT_EQ(recorded.frames.back()->colorAt({12, 12}), (SimulatedColor{10, 0, 0}));
 }
 
+TEST_F(SimulatedStreamTest, SendsNothingMoreOnceItHasEndedThoughRoomIsMade) {
+    RecordedStream recorded(m_platform, WindowFilter(m_window));
+    recorded.keepsSamples = true;
+    (void)runNow(m_platform, recorded.stream->startCapture());
+    for (std::uint8_t red = 1; red <= 10; ++red) {
+        m_platform.desktop.paintWindow(m_window, {red, 0, 0});
+        m_platform.loop.advance(Seconds(1));
+    }
+    m_platform.desktop.closeWindow(m_window);
+    recorded.samples.clear();
+    m_platform.loop.advance(Seconds(1));
+    EXPECT_EQ(recorded.frames.size(), 3U);
+}
+
 TEST_F(SimulatedStreamTest, LeavesOutExcludedAndCoveredWindows) {
     const auto covered = m_platform.desktop.openWindow({.frame = {900, 100, 100, 100}});
     const auto cover = m_platform.desktop.openWindow({.frame = {890, 90, 200, 200}});
