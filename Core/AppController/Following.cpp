@@ -156,9 +156,8 @@ Task<void> AppController::runFollow(std::uint64_t followRequest,
 }
 
 bool AppController::hasSettled() const {
-    return m_isOutputSettled &&
-           (m_sessionState.get() == CaptureSessionState::running() ||
-            m_sessionState.get() == CaptureSessionState::waitingForSource());
+    return m_isOutputSettled && (m_sessionState.get() == CaptureSessionState::running() ||
+                                 m_sessionState.get() == CaptureSessionState::waitingForSource());
 }
 
 } // namespace kestrove

@@ -28,10 +28,15 @@ SampleHandler CaptureEngine::State::makeSampleHandler() {
     return [&loop = platform.loop, state = weak_from_this()](SampleBufferPointer sample) {
         if (!isShowable(*sample))
             return;
-        loop.post([state, shown = std::move(sample)]() mutable {
+        auto show = [state, shown = std::move(sample)]() mutable {
             if (const auto alive = state.lock())
                 alive->show(std::move(shown));
-        });
+        };
+        // Of a queue on the main thread, each operation has a turn of its own already.
+        if (loop.isMainThread())
+            show();
+        else
+            loop.post(std::move(show));
     };
 }
 

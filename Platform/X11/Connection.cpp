@@ -199,7 +199,8 @@ void Connection::drain() {
     if (!m_isOpen)
         return;
     bool any = false;
-    while (const auto event = nextEvent()) {
+    // One read: of what comes later, the descriptor tells.
+    for (auto event = nextEvent(); event; event = nextReadEvent()) {
         any = true;
         if (event->response_type == 0)
             dispatchError(event->full_sequence);
@@ -236,6 +237,12 @@ void Connection::takeReplies() {
 Reply<xcb_generic_event_t> Connection::nextEvent() {
     if (m_readAhead.empty())
         return Reply<xcb_generic_event_t>(xcb_poll_for_event(m_connection.get()));
+    return nextReadEvent();
+}
+
+Reply<xcb_generic_event_t> Connection::nextReadEvent() {
+    if (m_readAhead.empty())
+        return Reply<xcb_generic_event_t>(xcb_poll_for_queued_event(m_connection.get()));
     auto event = std::move(m_readAhead.front());
     m_readAhead.pop_front();
     return event;

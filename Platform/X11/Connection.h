@@ -141,6 +141,8 @@ private:
     void queueDrain();
     void takeReplies();
     Reply<xcb_generic_event_t> nextEvent();
+    /// Of those that were read already.
+    Reply<xcb_generic_event_t> nextReadEvent();
     void dispatch(const xcb_generic_event_t& event);
     void dispatchError(std::uint32_t sequence);
     void applyMask(xcb_window_t window);

@@ -60,9 +60,8 @@ DisplayComposition compose(const Layers& layers, const Region& display, Region c
 }
 
 bool hasWindow(const DisplayComposition& composition, xcb_window_t window) {
-    return std::ranges::any_of(composition.windows, [window](const auto& each) {
-        return each.window.window == window;
-    });
+    return std::ranges::any_of(composition.windows,
+                               [window](const auto& each) { return each.window.window == window; });
 }
 
 /// Whether no other windows than those of `part` are seen on the display.

@@ -91,8 +91,7 @@ void DisplayContent::watchScreen() {
                           XCB_DAMAGE_REPORT_LEVEL_DELTA_RECTANGLES);
     }
     // What stayed changed where it was not shown directly is told from now on.
-    const auto accepted =
-        xcb_damage_subtract(xcb, m_rootDamage.get(), XCB_NONE, XCB_NONE).sequence;
+    const auto accepted = xcb_damage_subtract(xcb, m_rootDamage.get(), XCB_NONE, XCB_NONE).sequence;
     if (isNew)
         m_watchedSince = accepted;
 }

@@ -6,25 +6,32 @@
 
 namespace kestrove::x11 {
 
-/// When a stream may make its next frame: the first at once, later ones an interval apart.
+/// When a stream makes its next frame: a moment after a change, and an interval after the last one.
 ///
-/// Timers go by milliseconds, and frames are late by that. What one was late is not added to the
-/// interval after it: else a source that changes at the rate of the stream would lose frames (of 60
-/// a second 57 were shown). So two frames may be a millisecond closer than the interval; never more
-/// of them come than it allows.
+/// The moment is there since a program draws a change in several steps, each of which is told: a
+/// frame that was made at once would show a part of it, and the rest an interval later.
+///
+/// What a frame was late, because its change was or because timers go by milliseconds, is made up
+/// for by those after it, each up to a millisecond sooner than the interval would have it, up to
+/// one interval in all. So a source that changes at the rate of the stream loses no frame (of 60 a
+/// second 57 had been shown), and its changes come to be shown a moment later each and not at the
+/// end of a wait. Two frames may be a millisecond closer than the interval; in the long run never
+/// more of them come than it allows.
 class FramePacer {
 public:
-    /// A frame may be made at once, however short ago the last one was.
+    /// The next frame is due now, however short ago the last one was.
     void restart() { m_due.reset(); }
 
     /// A frame was made `now`, and the next one shall be `interval` later.
     void made(Seconds now, Seconds interval);
 
-    /// How long to wait for the next frame; nothing or less when it may be made.
+    /// How long to wait for the next frame after a change.
     [[nodiscard]] Seconds wait(Seconds now) const;
 
 private:
     std::optional<Seconds> m_due;
+    /// Lost by frames that were late, and not made up for yet.
+    Seconds m_lost{0};
 };
 
 } // namespace kestrove::x11

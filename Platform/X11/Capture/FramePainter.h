@@ -23,8 +23,8 @@ public:
     FramePainter& operator=(const FramePainter&) = delete;
     virtual ~FramePainter() = default;
 
-    /// The part of `region` of which each pixel is painted once. Of the rest, unfinished states could
-    /// be seen where it is painted.
+    /// The part of `region` of which each pixel is painted once. Of the rest, unfinished states
+    /// could be seen where it is painted.
     [[nodiscard]] virtual Region paintedAtOnce(const Region& region) const = 0;
 
     /// Sets the picture's clip.

@@ -142,11 +142,8 @@ void X11CaptureStream::requestWholeFrame() {
 void X11CaptureStream::requestFrame() {
     if (!m_isRunning || m_nextFrame.isPending())
         return;
-    const auto wait = m_pacer.wait(m_connection.loop().now());
-    if (wait <= Seconds(0))
-        makeFrame();
-    else
-        m_nextFrame = m_connection.loop().runAfter(wait, [this] { makeFrame(); });
+    auto& loop = m_connection.loop();
+    m_nextFrame = loop.runAfter(m_pacer.wait(loop.now()), [this] { makeFrame(); });
 }
 
 void X11CaptureStream::makeFrame() {

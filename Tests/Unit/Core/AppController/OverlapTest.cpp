@@ -72,16 +72,14 @@ TEST(AppControllerOverlap, WhatIsPickedDuringAStartIsFollowedAndComesBackByItsel
     ASSERT_EQ(bench.gate.waiting(), Events{"engine switch display 1"});
     bench.controller->toggleSource(display2, {});
     bench.settle();
-    ASSERT_EQ(bench.gate.waiting(),
-              (Events{"engine switch display 1", "engine switch display 2"}));
+    ASSERT_EQ(bench.gate.waiting(), (Events{"engine switch display 1", "engine switch display 2"}));
     letThrough(bench, Order::newestFirst);
     ASSERT_EQ(bench.state(), State::running());
     EXPECT_TRUE(bench.scheduler.isScheduled()) << "while the start's own switch is on its way";
     (void)bench.events();
     bench.engine.endStream();
     bench.settle();
-    ASSERT_EQ(bench.state(),
-              State::recoveryRequired(CaptureRecoveryReason::streamStopped));
+    ASSERT_EQ(bench.state(), State::recoveryRequired(CaptureRecoveryReason::streamStopped));
     bench.gate.open();
     bench.scheduler.tick();
     bench.settle();
