@@ -65,8 +65,10 @@ std::vector<Frame> frames(const std::vector<Seconds>& changes) {
 
 /// Of a source that changes `rate` times a second for as many seconds.
 std::vector<Seconds> changes(int rate, int seconds) {
+    const int count = rate * seconds;
     std::vector<Seconds> times;
-    for (int change = 0; change < rate * seconds; ++change)
+    times.reserve(static_cast<std::size_t>(count));
+    for (int change = 0; change < count; ++change)
         times.emplace_back(static_cast<double>(change) / rate + 0.0004);
     return times;
 }

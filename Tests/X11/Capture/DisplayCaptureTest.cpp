@@ -22,8 +22,8 @@ TestWindow::Options patterned(const xcb_rectangle_t& geometry) {
 
 void fill(PixelImage& image, const xcb_rectangle_t& part, Color color) {
     for (int y = part.y; y < part.y + part.height; ++y) {
-        for (int x = part.x; x < part.x + part.width; ++x)
-            image.pixels[static_cast<std::size_t>(y * image.width + x)] = color;
+        const auto row = image.pixels.begin() + std::ptrdiff_t{y} * image.width;
+        std::fill_n(row + part.x, part.width, color);
     }
 }
 
@@ -242,7 +242,7 @@ TEST_P(DisplayCapture, ShowsTheCursorWhereItPoints) {
     test.start(test.display(0), CaptureDesktop::configurationAt(60, true));
     const auto isDrawnAround = [&](int x, int y) {
         const auto near = test.output().part(x - 16, y - 16, 32, 32);
-        return std::ranges::count(near.pixels, 0xFFFFFFFFU) < 32 * 32;
+        return std::ranges::count(near.pixels, 0xFFFFFFFFU) < std::ptrdiff_t{32} * 32;
     };
     EXPECT_TRUE(test.loop.spinUntil([&] { return isDrawnAround(400, 300); }));
     test.desktop.server().movePointer(700, 500);

@@ -11,6 +11,10 @@ namespace {
 
 constexpr int steps = 12;
 
+constexpr std::int64_t area(std::int64_t width, std::int64_t height) {
+    return width * height;
+}
+
 class FrameCost : public testing::Test {
 protected:
     [[nodiscard]] const std::string& displayName() { return test.desktop.displayName(); }
@@ -60,9 +64,12 @@ TEST_F(FrameCost, OfABlockInADisplayOneToOne) {
     test.start(test.display(0));
     const auto seen = costOf(
         [&](int step) { window->fillRectangle({100, 50, 200, 200}, static_cast<Color>(step)); });
-    expectPerFrame(
-        seen,
-        {.requests = 5, .bytes = 100, .draws = 1, .pixels = 200 * 200, .replies = 0, .events = 2});
+    expectPerFrame(seen, {.requests = 5,
+                          .bytes = 100,
+                          .draws = 1,
+                          .pixels = area(200, 200),
+                          .replies = 0,
+                          .events = 2});
 }
 
 TEST_F(FrameCost, OfAVideoInADisplayOneToOne) {
@@ -71,9 +78,12 @@ TEST_F(FrameCost, OfAVideoInADisplayOneToOne) {
     test.start(test.display(0));
     const auto seen = costOf(
         [&](int step) { window->fillRectangle({0, 0, 1200, 700}, static_cast<Color>(step)); });
-    expectPerFrame(
-        seen,
-        {.requests = 5, .bytes = 100, .draws = 1, .pixels = 1200 * 700, .replies = 0, .events = 2});
+    expectPerFrame(seen, {.requests = 5,
+                          .bytes = 100,
+                          .draws = 1,
+                          .pixels = area(1200, 700),
+                          .replies = 0,
+                          .events = 2});
 }
 
 TEST_F(FrameCost, OfAVideoThatIsTheWindowOneToOne) {
@@ -82,9 +92,12 @@ TEST_F(FrameCost, OfAVideoThatIsTheWindowOneToOne) {
     test.start(WindowFilter(window->id()));
     const auto seen = costOf(
         [&](int step) { window->fillRectangle({0, 0, 1200, 700}, static_cast<Color>(step)); });
-    expectPerFrame(
-        seen,
-        {.requests = 3, .bytes = 72, .draws = 1, .pixels = 1200 * 700, .replies = 0, .events = 1});
+    expectPerFrame(seen, {.requests = 3,
+                          .bytes = 72,
+                          .draws = 1,
+                          .pixels = area(1200, 700),
+                          .replies = 0,
+                          .events = 1});
 }
 
 TEST_F(FrameCost, OfADisplayReducedByLessThanTwo) {
@@ -97,7 +110,7 @@ TEST_F(FrameCost, OfADisplayReducedByLessThanTwo) {
     expectPerFrame(seen, {.requests = 5,
                           .bytes = 128,
                           .draws = 2,
-                          .pixels = 200 * 200 + 152 * 152,
+                          .pixels = area(200, 200) + area(152, 152),
                           .replies = 0,
                           .events = 2});
 }
@@ -112,7 +125,7 @@ TEST_F(FrameCost, OfADisplayReducedByMoreThanTwo) {
     expectPerFrame(seen, {.requests = 7,
                           .bytes = 184,
                           .draws = 3,
-                          .pixels = 200 * 200 + 100 * 100 + 52 * 52,
+                          .pixels = area(200, 200) + area(100, 100) + area(52, 52),
                           .replies = 0,
                           .events = 2});
 }
@@ -126,7 +139,7 @@ TEST_F(FrameCost, OfABlockUnderTheOutput) {
     expectPerFrame(seen, {.requests = 5,
                           .bytes = 128,
                           .draws = 2,
-                          .pixels = 200 * 200 + 102 * 102,
+                          .pixels = area(200, 200) + area(102, 102),
                           .replies = 0,
                           .events = 2});
 }
@@ -139,9 +152,12 @@ TEST_F(FrameCost, OfABlockInAWindowThatFillsTheMarkedDisplay) {
     test.start(test.display(0, {mark->id()}));
     const auto seen = costOf(
         [&](int step) { window->fillRectangle({100, 50, 200, 200}, static_cast<Color>(step)); });
-    expectPerFrame(
-        seen,
-        {.requests = 3, .bytes = 72, .draws = 1, .pixels = 200 * 200, .replies = 0, .events = 1});
+    expectPerFrame(seen, {.requests = 3,
+                          .bytes = 72,
+                          .draws = 1,
+                          .pixels = area(200, 200),
+                          .replies = 0,
+                          .events = 1});
 }
 
 TEST_F(FrameCost, OfABlockBesideTheOutputOnTheSameDisplay) {
@@ -153,19 +169,23 @@ TEST_F(FrameCost, OfABlockBesideTheOutputOnTheSameDisplay) {
     expectPerFrame(seen, {.requests = 5,
                           .bytes = 128,
                           .draws = 2,
-                          .pixels = 200 * 200 + 102 * 102,
+                          .pixels = area(200, 200) + area(102, 102),
                           .replies = 0,
                           .events = 2});
 }
 
 TEST_F(FrameCost, IsTheSameAmongManyWindows) {
+    constexpr int manyWindows = 150;
     std::vector<std::unique_ptr<TestWindow>> others;
-    for (int index = 0; index < 150; ++index)
+    others.reserve(manyWindows);
+    for (int index = 0; index < manyWindows; ++index)
         others.push_back(source({static_cast<std::int16_t>(index * 37 % 1000),
                                  static_cast<std::int16_t>(index * 23 % 600), 280, 200}));
     // What has changed where nobody looks.
+    constexpr int someMore = 40;
     std::vector<std::unique_ptr<TestWindow>> beside;
-    for (int index = 0; index < 40; ++index)
+    beside.reserve(someMore);
+    for (int index = 0; index < someMore; ++index)
         beside.push_back(source({static_cast<std::int16_t>(1300 + index * 29),
                                  static_cast<std::int16_t>(index * 15), 15, 10}));
     const auto window = source({0, 0, 600, 400});
@@ -175,9 +195,12 @@ TEST_F(FrameCost, IsTheSameAmongManyWindows) {
         each->fillRectangle({0, 0, 15, 10}, 0xFF00FF00);
     const auto seen = costOf(
         [&](int step) { window->fillRectangle({100, 50, 200, 200}, static_cast<Color>(step)); });
-    expectPerFrame(
-        seen,
-        {.requests = 5, .bytes = 100, .draws = 1, .pixels = 200 * 200, .replies = 0, .events = 2});
+    expectPerFrame(seen, {.requests = 5,
+                          .bytes = 100,
+                          .draws = 1,
+                          .pixels = area(200, 200),
+                          .replies = 0,
+                          .events = 2});
 }
 
 TEST_F(FrameCost, OfAMovedPointer) {
