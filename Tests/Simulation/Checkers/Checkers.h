@@ -84,7 +84,7 @@ private:
     /// At any moment since the last look.
     bool m_mayHaveCaptured = false;
     /// What the setting was since the session last came to rest: a change during a start or a
-    /// switch counts from the next one on.
+    /// switch counts from the next one on, also where the session is stopped meanwhile.
     std::set<std::int64_t> m_frameRates;
     /// Since the session began.
     bool m_hasLackedPermission = false;

@@ -121,7 +121,7 @@ std::optional<Failure> Checkers::checkRequests() {
                            fmt::format("every {}/{} s", asked.value, asked.timescale)};
     }
     m_mayHaveCaptured = mayCapture(state);
-    if (state.kind() != Kind::starting && state.kind() != Kind::switching)
+    if (!isOneOf(state.kind(), {Kind::starting, Kind::switching, Kind::stopping}))
         m_frameRates = {frameRate};
     const auto active = m_program.controller().activeSource().get();
     if (state.kind() == Kind::running && active && m_lastAskedFor != active)
