@@ -160,8 +160,8 @@ private:
     void stopSourceTracking();
     void handleFollowModeChange(FollowMode mode);
     void follow(std::optional<CaptureSource> source);
-    /// Whether the session shows its source, or has none.
-    [[nodiscard]] bool hasSettled() const;
+    /// Whether the session shows this source, or has none as asked for.
+    [[nodiscard]] bool hasSettledOn(std::optional<CaptureSource> source) const;
     [[nodiscard]] Task<void> runFollow(std::uint64_t followRequest,
                                        std::optional<CaptureSource> source);
 

@@ -151,13 +151,14 @@ Task<void> AppController::runFollow(std::uint64_t followRequest,
         co_await waitForSource();
     // What the start of the session chose may still be on its way at the engine, and then the start
     // would begin this late, or never.
-    if (isActive(session) && hasSettled() && !m_isFollowing && !m_isHandlingSourceFailure)
+    if (isActive(session) && hasSettledOn(source) && !m_isFollowing && !m_isHandlingSourceFailure)
         beginFollowing();
 }
 
-bool AppController::hasSettled() const {
-    return m_isOutputSettled && (m_sessionState.get() == CaptureSessionState::running() ||
-                                 m_sessionState.get() == CaptureSessionState::waitingForSource());
+bool AppController::hasSettledOn(std::optional<CaptureSource> source) const {
+    const auto settled =
+        source ? CaptureSessionState::running() : CaptureSessionState::waitingForSource();
+    return m_isOutputSettled && m_sessionState.get() == settled && m_activeSource.get() == source;
 }
 
 } // namespace kestrove

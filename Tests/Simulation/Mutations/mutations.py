@@ -89,6 +89,10 @@ MUTATIONS = [
     Mutation("who-failed-twice-is-given-up", CONTROLLER + "Following.cpp",
              "        retryFailedSource();\n        scheduleSourceRefresh();\n",
              "        scheduleSourceRefresh();\n"),
+    Mutation("only-a-start-begins-to-follow", CONTROLLER + "Following.cpp",
+             "    if (isActive(session) && hasSettledOn(source) && !m_isFollowing && "
+             "!m_isHandlingSourceFailure)\n        beginFollowing();\n",
+             "    (void)session;\n"),
     Mutation("overtaken-start-goes-on", CONTROLLER + "Lifecycle.cpp",
              "    co_await refreshAvailableSources();\n    if (session != m_sessionNumber)\n"
              "        co_return;\n",
