@@ -81,6 +81,7 @@ void DisplayContent::arrange() {
 void DisplayContent::watchScreen() {
     if (m_composition.direct.isEmpty()) {
         m_rootDamage.reset();
+        m_isRootDamaged = false;
         return;
     }
     auto* const xcb = m_connection.get();
