@@ -41,6 +41,11 @@ protected:
         return seen;
     }
 
+    /// `part` of the window, in another color each time.
+    [[nodiscard]] Traffic costOfFilling(TestWindow& window, const xcb_rectangle_t& part) {
+        return costOf([&](int step) { window.fillRectangle(part, static_cast<Color>(step)); });
+    }
+
     CaptureDesktop test;
 };
 
@@ -62,8 +67,7 @@ TEST_F(FrameCost, OfABlockInADisplayOneToOne) {
     const auto window = source(wholeLeft);
     test.openOutput({1280, 0, 1280, 800});
     test.start(test.display(0));
-    const auto seen = costOf(
-        [&](int step) { window->fillRectangle({100, 50, 200, 200}, static_cast<Color>(step)); });
+    const auto seen = costOfFilling(*window, {100, 50, 200, 200});
     expectPerFrame(seen, {.requests = 5,
                           .bytes = 100,
                           .draws = 1,
@@ -76,8 +80,7 @@ TEST_F(FrameCost, OfAVideoInADisplayOneToOne) {
     const auto window = source({40, 30, 1200, 700});
     test.openOutput({1280, 0, 1280, 800});
     test.start(test.display(0));
-    const auto seen = costOf(
-        [&](int step) { window->fillRectangle({0, 0, 1200, 700}, static_cast<Color>(step)); });
+    const auto seen = costOfFilling(*window, {0, 0, 1200, 700});
     expectPerFrame(seen, {.requests = 5,
                           .bytes = 100,
                           .draws = 1,
@@ -90,8 +93,7 @@ TEST_F(FrameCost, OfAVideoThatIsTheWindowOneToOne) {
     const auto window = source({40, 30, 1200, 700});
     test.openOutput({1280, 0, 1200, 700});
     test.start(WindowFilter(window->id()));
-    const auto seen = costOf(
-        [&](int step) { window->fillRectangle({0, 0, 1200, 700}, static_cast<Color>(step)); });
+    const auto seen = costOfFilling(*window, {0, 0, 1200, 700});
     expectPerFrame(seen, {.requests = 3,
                           .bytes = 72,
                           .draws = 1,
@@ -104,8 +106,7 @@ TEST_F(FrameCost, OfADisplayReducedByLessThanTwo) {
     const auto window = source(wholeLeft);
     test.openOutput({1280, 0, 960, 600});
     test.start(test.display(0));
-    const auto seen = costOf(
-        [&](int step) { window->fillRectangle({96, 48, 200, 200}, static_cast<Color>(step)); });
+    const auto seen = costOfFilling(*window, {96, 48, 200, 200});
     // The neighbours that the filter mixes in are one more pixel on each side.
     expectPerFrame(seen, {.requests = 5,
                           .bytes = 128,
@@ -119,8 +120,7 @@ TEST_F(FrameCost, OfADisplayReducedByMoreThanTwo) {
     const auto window = source(wholeLeft);
     test.openOutput({1280, 0, 320, 200});
     test.start(test.display(0));
-    const auto seen = costOf(
-        [&](int step) { window->fillRectangle({96, 48, 200, 200}, static_cast<Color>(step)); });
+    const auto seen = costOfFilling(*window, {96, 48, 200, 200});
     // Painted once, halved once, drawn once.
     expectPerFrame(seen, {.requests = 7,
                           .bytes = 184,
@@ -134,8 +134,7 @@ TEST_F(FrameCost, OfABlockUnderTheOutput) {
     const auto window = source(wholeLeft);
     test.openOutput({400, 300, 640, 400});
     test.start(test.display(0, {test.outputWindow()}));
-    const auto seen = costOf(
-        [&](int step) { window->fillRectangle({500, 350, 200, 200}, static_cast<Color>(step)); });
+    const auto seen = costOfFilling(*window, {500, 350, 200, 200});
     expectPerFrame(seen, {.requests = 5,
                           .bytes = 128,
                           .draws = 2,
@@ -150,8 +149,7 @@ TEST_F(FrameCost, OfABlockInAWindowThatFillsTheMarkedDisplay) {
     const auto mark = source({0, 0, 1280, 4});
     test.openOutput({1280, 0, 1280, 800});
     test.start(test.display(0, {mark->id()}));
-    const auto seen = costOf(
-        [&](int step) { window->fillRectangle({100, 50, 200, 200}, static_cast<Color>(step)); });
+    const auto seen = costOfFilling(*window, {100, 50, 200, 200});
     expectPerFrame(seen, {.requests = 3,
                           .bytes = 72,
                           .draws = 1,
@@ -164,8 +162,7 @@ TEST_F(FrameCost, OfABlockBesideTheOutputOnTheSameDisplay) {
     const auto window = source(wholeLeft);
     test.openOutput({400, 300, 640, 400});
     test.start(test.display(0, {test.outputWindow()}));
-    const auto seen = costOf(
-        [&](int step) { window->fillRectangle({100, 50, 200, 200}, static_cast<Color>(step)); });
+    const auto seen = costOfFilling(*window, {100, 50, 200, 200});
     expectPerFrame(seen, {.requests = 5,
                           .bytes = 128,
                           .draws = 2,
@@ -193,8 +190,7 @@ TEST_F(FrameCost, IsTheSameAmongManyWindows) {
     test.start(test.display(0));
     for (const auto& each : beside)
         each->fillRectangle({0, 0, 15, 10}, 0xFF00FF00);
-    const auto seen = costOf(
-        [&](int step) { window->fillRectangle({100, 50, 200, 200}, static_cast<Color>(step)); });
+    const auto seen = costOfFilling(*window, {100, 50, 200, 200});
     expectPerFrame(seen, {.requests = 5,
                           .bytes = 100,
                           .draws = 1,
