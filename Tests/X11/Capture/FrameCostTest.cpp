@@ -15,6 +15,9 @@ constexpr std::int64_t area(std::int64_t width, std::int64_t height) {
     return width * height;
 }
 
+constexpr auto blockArea = area(200, 200);
+constexpr auto videoArea = area(1200, 700);
+
 class FrameCost : public testing::Test {
 protected:
     [[nodiscard]] const std::string& displayName() { return test.desktop.displayName(); }
@@ -68,12 +71,9 @@ TEST_F(FrameCost, OfABlockInADisplayOneToOne) {
     test.openOutput({1280, 0, 1280, 800});
     test.start(test.display(0));
     const auto seen = costOfFilling(*window, {100, 50, 200, 200});
-    expectPerFrame(seen, {.requests = 5,
-                          .bytes = 100,
-                          .draws = 1,
-                          .pixels = area(200, 200),
-                          .replies = 0,
-                          .events = 2});
+    expectPerFrame(
+        seen,
+        {.requests = 5, .bytes = 100, .draws = 1, .pixels = blockArea, .replies = 0, .events = 2});
 }
 
 TEST_F(FrameCost, OfAVideoInADisplayOneToOne) {
@@ -81,12 +81,9 @@ TEST_F(FrameCost, OfAVideoInADisplayOneToOne) {
     test.openOutput({1280, 0, 1280, 800});
     test.start(test.display(0));
     const auto seen = costOfFilling(*window, {0, 0, 1200, 700});
-    expectPerFrame(seen, {.requests = 5,
-                          .bytes = 100,
-                          .draws = 1,
-                          .pixels = area(1200, 700),
-                          .replies = 0,
-                          .events = 2});
+    expectPerFrame(
+        seen,
+        {.requests = 5, .bytes = 100, .draws = 1, .pixels = videoArea, .replies = 0, .events = 2});
 }
 
 TEST_F(FrameCost, OfAVideoThatIsTheWindowOneToOne) {
@@ -94,12 +91,9 @@ TEST_F(FrameCost, OfAVideoThatIsTheWindowOneToOne) {
     test.openOutput({1280, 0, 1200, 700});
     test.start(WindowFilter(window->id()));
     const auto seen = costOfFilling(*window, {0, 0, 1200, 700});
-    expectPerFrame(seen, {.requests = 3,
-                          .bytes = 72,
-                          .draws = 1,
-                          .pixels = area(1200, 700),
-                          .replies = 0,
-                          .events = 1});
+    expectPerFrame(
+        seen,
+        {.requests = 3, .bytes = 72, .draws = 1, .pixels = videoArea, .replies = 0, .events = 1});
 }
 
 TEST_F(FrameCost, OfADisplayReducedByLessThanTwo) {
@@ -111,7 +105,7 @@ TEST_F(FrameCost, OfADisplayReducedByLessThanTwo) {
     expectPerFrame(seen, {.requests = 5,
                           .bytes = 128,
                           .draws = 2,
-                          .pixels = area(200, 200) + area(152, 152),
+                          .pixels = blockArea + area(152, 152),
                           .replies = 0,
                           .events = 2});
 }
@@ -125,7 +119,7 @@ TEST_F(FrameCost, OfADisplayReducedByMoreThanTwo) {
     expectPerFrame(seen, {.requests = 7,
                           .bytes = 184,
                           .draws = 3,
-                          .pixels = area(200, 200) + area(100, 100) + area(52, 52),
+                          .pixels = blockArea + area(100, 100) + area(52, 52),
                           .replies = 0,
                           .events = 2});
 }
@@ -138,7 +132,7 @@ TEST_F(FrameCost, OfABlockUnderTheOutput) {
     expectPerFrame(seen, {.requests = 5,
                           .bytes = 128,
                           .draws = 2,
-                          .pixels = area(200, 200) + area(102, 102),
+                          .pixels = blockArea + area(102, 102),
                           .replies = 0,
                           .events = 2});
 }
@@ -150,12 +144,9 @@ TEST_F(FrameCost, OfABlockInAWindowThatFillsTheMarkedDisplay) {
     test.openOutput({1280, 0, 1280, 800});
     test.start(test.display(0, {mark->id()}));
     const auto seen = costOfFilling(*window, {100, 50, 200, 200});
-    expectPerFrame(seen, {.requests = 3,
-                          .bytes = 72,
-                          .draws = 1,
-                          .pixels = area(200, 200),
-                          .replies = 0,
-                          .events = 1});
+    expectPerFrame(
+        seen,
+        {.requests = 3, .bytes = 72, .draws = 1, .pixels = blockArea, .replies = 0, .events = 1});
 }
 
 TEST_F(FrameCost, OfABlockBesideTheOutputOnTheSameDisplay) {
@@ -166,7 +157,7 @@ TEST_F(FrameCost, OfABlockBesideTheOutputOnTheSameDisplay) {
     expectPerFrame(seen, {.requests = 5,
                           .bytes = 128,
                           .draws = 2,
-                          .pixels = area(200, 200) + area(102, 102),
+                          .pixels = blockArea + area(102, 102),
                           .replies = 0,
                           .events = 2});
 }
@@ -191,12 +182,9 @@ TEST_F(FrameCost, IsTheSameAmongManyWindows) {
     for (const auto& each : beside)
         each->fillRectangle({0, 0, 15, 10}, 0xFF00FF00);
     const auto seen = costOfFilling(*window, {100, 50, 200, 200});
-    expectPerFrame(seen, {.requests = 5,
-                          .bytes = 100,
-                          .draws = 1,
-                          .pixels = area(200, 200),
-                          .replies = 0,
-                          .events = 2});
+    expectPerFrame(
+        seen,
+        {.requests = 5, .bytes = 100, .draws = 1, .pixels = blockArea, .replies = 0, .events = 2});
 }
 
 TEST_F(FrameCost, OfAMovedPointer) {
