@@ -82,6 +82,7 @@ void DisplayContent::watchScreen() {
     if (m_composition.direct.isEmpty()) {
         m_rootDamage.reset();
         m_isRootDamaged = false;
+        m_beginOfWatch.reset();
         return;
     }
     auto* const xcb = m_connection.get();
@@ -94,7 +95,7 @@ void DisplayContent::watchScreen() {
     // What stayed changed where it was not shown directly is told from now on.
     const auto accepted = xcb_damage_subtract(xcb, m_rootDamage.get(), XCB_NONE, XCB_NONE).sequence;
     if (isNew)
-        m_watchedSince = accepted;
+        m_beginOfWatch = accepted;
 }
 
 void DisplayContent::updateBeneath() {
@@ -134,11 +135,13 @@ void DisplayContent::updateBeneath() {
 }
 
 void DisplayContent::onEvent(const xcb_generic_event_t& event) {
+    // Events come in the order of the requests.
+    if (m_beginOfWatch && static_cast<std::int32_t>(event.full_sequence - *m_beginOfWatch) >= 0)
+        m_beginOfWatch.reset();
     const int type = event.response_type & 0x7F;
     if (type == m_connection.extensions().damageFirstEvent + XCB_DAMAGE_NOTIFY) {
         const auto& notify = reinterpret_cast<const xcb_damage_notify_event_t&>(event);
-        if (notify.damage != m_rootDamage.get() ||
-            static_cast<std::int32_t>(event.full_sequence - m_watchedSince) < 0)
+        if (notify.damage != m_rootDamage.get() || m_beginOfWatch)
             return;
         const auto direct = Region(notify.area) & m_composition.direct;
         if (direct.isEmpty())

@@ -66,8 +66,9 @@ private:
     Picture m_root;
     /// None while the screen is not read.
     DamageMonitor m_rootDamage;
-    /// What it tells of requests before this one is that all has changed, since it is new.
-    std::uint32_t m_watchedSince = 0;
+    /// Till the server has come to this request, what is told is that all has changed, since the
+    /// monitor is new.
+    std::optional<std::uint32_t> m_beginOfWatch;
     ServerRegion m_drawn;
     /// Something to show was told since the changes were last accepted.
     bool m_isRootDamaged = false;
