@@ -27,6 +27,7 @@ class Session:
         self.clock = None
         self.kestrove = None
         self.window = None
+        self.place = None  # of the output's content: x, y, width, height
         self.menu = None  # the screen as it was when an entry was chosen
 
     # Programs.
@@ -131,6 +132,8 @@ class Session:
         (folder / "kestrove.conf").write_text(text, encoding="utf-8")
         self.kestrove = self.desktop.start(self.program)
         self.window = wait_until(self._output_window, "the window titled kestrove")
+        # Nobody takes hold of a window before it has found its own first place.
+        self._wait_for_same(lambda: self.desktop.geometry(self.window), 0.5, "the output window")
 
     def _output_window(self):
         if self.kestrove.poll() is not None:
@@ -144,10 +147,16 @@ class Session:
         run("xdotool", "windowmove", self.window, str(x), str(y))
         wait_until(lambda: self.desktop.geometry(self.window)[2:] == (width, height) and
                    self._is_near(x, y), f"the output window at {x},{y} with {width}x{height}")
+        self.place = x, y, width, height
 
     def _is_near(self, x, y):
         left, top, _, _ = self.desktop.geometry(self.window)
         return abs(left - x) <= 60 and abs(top - y) <= 60
+
+    def is_in_place(self):
+        """Whether the output is where it was put last, and of that size."""
+        x, y, width, height = self.place
+        return self._is_near(x, y) and self.desktop.geometry(self.window)[2:] == (width, height)
 
     def press(self, *keys):
         """In the output window. The keyboard, because the pointer has its own work here."""
@@ -177,14 +186,19 @@ class Session:
         return ["session", "picker", "mouse", "focused", *DISPLAYS, *windows]
 
     def wait_for_rest(self, seconds):
-        last = [self.screen().data, time.monotonic()]
+        self._wait_for_same(lambda: self.screen().data, seconds, "the screen")
+
+    @staticmethod
+    def _wait_for_same(look, seconds, what):
+        """Until `look()` has given the same for so long."""
+        last = [look(), time.monotonic()]
 
         def rests():
-            now = self.screen().data
+            now = look()
             if now != last[0]:
                 last[:] = now, time.monotonic()
             return time.monotonic() - last[1] >= seconds
-        wait_until(rests, "the screen to come to rest")
+        wait_until(rests, f"{what} to come to rest")
 
     def move_pointer(self, x, y):
         self.pointer = (x, y)

@@ -87,6 +87,12 @@ class Walk:
         dark = pixels.dark_share(output)
         return 0.9 < dark < 1, f"{100 * dark:.1f} % black with text on it"
 
+    def _stop(self, name, done, seen, passed, screen):
+        """Of the table. Nothing but the user moves the output."""
+        in_place = self.session.is_in_place()
+        self.report.stop(name, done, seen + ("" if in_place else ", output ELSEWHERE"),
+                         passed and in_place, screen)
+
     # What is done.
 
     def everything(self):
@@ -132,8 +138,8 @@ class Walk:
         passed, seen, screen = self._equals("LEFT")
         other_display = session.display("RIGHT", screen).cut(0, 0, *FULL[2:])
         other = pixels.differing_pixels(session.output(screen), other_display)
-        self.report.stop("share-display-1", "start with the pointer on display 1",
-                         f"{seen} ({other} from display 2)", passed and other > 100000, screen)
+        self._stop("share-display-1", "start with the pointer on display 1",
+                   f"{seen} ({other} from display 2)", passed and other > 100000, screen)
         session.thaw("LEFT")
 
     def keep_up(self):
@@ -144,15 +150,15 @@ class Walk:
         session.freeze("LEFT")
         passed, seen, screen = self._equals("LEFT")
         moved = pixels.differing_pixels(session.output(screen), before)
-        self.report.stop("keep-up", "let the programs run, then hold them",
-                         f"{seen} ({moved} from before)", passed and moved > 2000, screen)
+        self._stop("keep-up", "let the programs run, then hold them",
+                   f"{seen} ({moved} from before)", passed and moved > 2000, screen)
 
     def pointer_to_display_2(self, beneath):
         self.session.move_pointer(1280 + 1500, 950)
         passed, seen, screen = self._equals_scaled("RIGHT", beneath)
-        self.report.stop("pointer-to-display-2",
-                         "pointer to display 2, where the output itself lies",
-                         f"{seen} from what lies beneath", passed, screen)
+        self._stop("pointer-to-display-2",
+                   "pointer to display 2, where the output itself lies",
+                   f"{seen} from what lies beneath", passed, screen)
 
     def pointer_back(self):
         session = self.session
@@ -162,15 +168,15 @@ class Walk:
         self._equals_scaled("LEFT", session.display("LEFT"))
         session.place_output(*FULL)
         passed, seen, screen = self._equals("LEFT")
-        self.report.stop("pointer-back", "pointer back to display 1", seen, passed, screen)
+        self._stop("pointer-back", "pointer back to display 1", seen, passed, screen)
 
     def output_on_shared_display(self):
         session = self.session
         beneath = session.display("LEFT")
         session.place_output(*HALF)
         passed, seen, screen = self._equals_scaled("LEFT", beneath)
-        self.report.stop("output-on-shared-display", "output window onto display 1",
-                         f"{seen} from what lies beneath", passed, screen)
+        self._stop("output-on-shared-display", "output window onto display 1",
+                   f"{seen} from what lies beneath", passed, screen)
 
     def kill_a_program(self):
         session = self.session
@@ -179,8 +185,8 @@ class Walk:
         session.kill_terminal("display 1")
         passed, seen, screen = self._equals("LEFT")
         gone = pixels.differing_pixels(session.display("LEFT", screen), before)
-        self.report.stop("kill-a-program", "kill the terminal on display 1",
-                         f"{seen} ({gone} with the terminal)", passed and gone > 100000, screen)
+        self._stop("kill-a-program", "kill the terminal on display 1",
+                   f"{seen} ({gone} with the terminal)", passed and gone > 100000, screen)
 
     def tick_a_window(self):
         """That of the terminal on display 2, which then nothing covers."""
@@ -195,8 +201,8 @@ class Walk:
         session.place_output(*AWAY, content.width, content.height)
         passed, seen, screen = self._equals_window("display 2")
         other = pixels.differing_pixels(session.output(screen), before)
-        self.report.stop("tick-a-window", "tick the terminal of display 2 in the menu",
-                         f"{seen} ({other} from display 1)", passed and other > 100000, screen)
+        self._stop("tick-a-window", "tick the terminal of display 2 in the menu",
+                   f"{seen} ({other} from display 1)", passed and other > 100000, screen)
 
     def _has_proportions(self, picture):
         """Within the pixel that rounding takes."""
@@ -213,14 +219,14 @@ class Walk:
         session.freeze("RIGHT")
         passed, seen, screen = self._equals_window("display 2")
         moved = pixels.differing_pixels(session.output(screen), before)
-        self.report.stop("window-moves", "let the terminal run, then hold it",
-                         f"{seen} ({moved} from before)", passed and moved > 2000, screen)
+        self._stop("window-moves", "let the terminal run, then hold it",
+                   f"{seen} ({moved} from before)", passed and moved > 2000, screen)
 
     def kill_the_shared_program(self):
         self.session.kill_terminal("display 2")
         passed, seen, screen = self._settled(self._is_placeholder)
-        self.report.stop("kill-the-shared-program", "kill the terminal whose window is shared",
-                         seen, passed, screen)
+        self._stop("kill-the-shared-program", "kill the terminal whose window is shared",
+                   seen, passed, screen)
 
     def back_to_the_pointer(self):
         session = self.session
@@ -229,8 +235,8 @@ class Walk:
         self._equals_scaled("LEFT", session.display("LEFT"))
         session.place_output(*FULL)
         passed, seen, screen = self._equals("LEFT")
-        self.report.stop("back-to-the-pointer", "follow the pointer again, chosen in the menu, "
-                         "and start", seen, passed, screen)
+        self._stop("back-to-the-pointer", "follow the pointer again, chosen in the menu, "
+                   "and start", seen, passed, screen)
 
     def stop(self):
         session = self.session
@@ -242,9 +248,9 @@ class Walk:
         self._let_display_1_move()
         screen = session.screen()
         count = pixels.differing_pixels(session.output(screen), shown)
-        self.report.stop("stop", "stop from the window's menu, let display 1 move on",
-                         f"{seen}, {count} pixels have changed since",
-                         passed and count == 0, screen)
+        self._stop("stop", "stop from the window's menu, let display 1 move on",
+                   f"{seen}, {count} pixels have changed since",
+                   passed and count == 0, screen)
 
     def _let_display_1_move(self):
         before = self.session.display("LEFT")
@@ -256,12 +262,12 @@ class Walk:
         session.press("space")
         session.freeze("LEFT")
         passed, seen, screen = self._equals("LEFT")
-        self.report.stop("start", "start with the space key", seen, passed, screen)
+        self._stop("start", "start with the space key", seen, passed, screen)
 
     def unplug_the_shared_display(self):
         self.session.desktop.unplug("LEFT")
         passed, seen, screen = self._settled(self._is_placeholder)
-        self.report.stop("unplug", "pull out the shared display", seen, passed, screen)
+        self._stop("unplug", "pull out the shared display", seen, passed, screen)
 
     def start_again(self):
         session = self.session
@@ -269,7 +275,7 @@ class Walk:
         session.press("space")
         session.place_output(*FULL)
         passed, seen, screen = self._equals("LEFT")
-        self.report.stop("start-again", "plug it in and start again", seen, passed, screen)
+        self._stop("start-again", "plug it in and start again", seen, passed, screen)
 
     def _is_out_of_sight(self):
         x, y, width, height = self.session.desktop.geometry(self.session.window)
@@ -283,8 +289,8 @@ class Walk:
         session.desktop.run("xdotool", "key", "ctrl+super+h")
         wait_until(lambda: not self._is_out_of_sight(), "the output to come back")
         passed, seen, screen = self._equals("LEFT")
-        self.report.stop("hide-and-show", "hide the output by its hot key, and show it again", seen,
-                         passed, screen)
+        self._stop("hide-and-show", "hide the output by its hot key, and show it again", seen,
+                   passed, screen)
 
     def open_picker(self):
         session = self.session
@@ -295,8 +301,8 @@ class Walk:
         session.desktop.run("xdotool", "key", "Escape")
         wait_until(lambda: not session.desktop.find_window(PICKER), "the picker to go")
         passed, seen, screen = self._equals("LEFT")
-        self.report.stop("picker", "open the picker by its hot key, and close it", seen, passed,
-                         screen)
+        self._stop("picker", "open the picker by its hot key, and close it", seen, passed,
+                   screen)
 
     def _equals_without_panel(self):
         """The panel is on the display, and not in what the others see."""
@@ -321,8 +327,8 @@ class Walk:
         self.panel.start_tray()
         self.panel.open()
         passed, seen, screen = self._equals_without_panel()
-        self.report.stop("panel", "click the icon in the tray, which opens the panel", seen, passed,
-                         screen)
+        self._stop("panel", "click the icon in the tray, which opens the panel", seen, passed,
+                   screen)
 
     def stop_and_start_in_panel(self):
         self.panel.click(panel.SESSION)
@@ -332,8 +338,8 @@ class Walk:
         wait_until(lambda: not self._is_placeholder(self.session.screen())[0], "the start")
         self.session.place_output(*FULL)
         passed, seen, screen = self._equals_without_panel()
-        self.report.stop("start-in-panel", "stop and start by clicks in the panel",
-                         f"{said}, then {seen}", stopped and passed, screen)
+        self._stop("start-in-panel", "stop and start by clicks in the panel",
+                   f"{said}, then {seen}", stopped and passed, screen)
 
     def tick_two_windows(self):
         """In the picker, which the panel opens and goes. The terminals, started anew, are the last
@@ -381,7 +387,7 @@ class Walk:
         self.session.place_output(*place, content.width, content.height)
         self.session.desktop.run("xdotool", "windowraise", self.session.window)
         passed, seen, screen = self._equals_window(title)
-        self.report.stop(name, done, seen, passed, screen)
+        self._stop(name, done, seen, passed, screen)
 
     def quit(self):
         session = self.session
