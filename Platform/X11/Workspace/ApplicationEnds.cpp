@@ -9,7 +9,7 @@ namespace kestrove::x11 {
 ApplicationEnds::ApplicationEnds(Connection& connection, DescriptorWatching& watching,
                                  Applications& applications)
     : m_connection(connection)
-    , m_watching(watching)
+    , m_processes(watching)
     , m_applications(applications)
     , m_root(connection, XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY)
     , m_tasks(connection.loop()) {
@@ -78,7 +78,7 @@ void ApplicationEnds::follow(ProcessID process) {
     // A zombie has ended before, though its child may still show its windows.
     if (!processStartTime(process))
         return;
-    auto end = ProcessEnd::watch(m_watching, process, [this, process] { onEnded(process); });
+    auto end = ProcessEnd::watch(m_processes, process, [this, process] { onEnded(process); });
     if (!end)
         return;
     RunningApplication application{process, m_applications.bundleIdentifier(process)};

@@ -3,7 +3,7 @@
 #include "Async/Signal.h"
 #include "Async/TaskScope.h"
 #include "Desktop/Workspace.h"
-#include "Platform/Linux/DescriptorWatching.h"
+#include "Platform/Linux/DescriptorSet.h"
 #include "Platform/Linux/ProcessEnd.h"
 #include "Platform/X11/RootSelection.h"
 #include "Platform/X11/WindowIdentity/Applications.h"
@@ -45,7 +45,8 @@ private:
     void onEnded(ProcessID process);
 
     Connection& m_connection;
-    DescriptorWatching& m_watching;
+    /// One for each process: a desktop has many, and hardly any ever ends.
+    DescriptorSet m_processes;
     Applications& m_applications;
     RootSelection m_root;
     std::set<xcb_window_t> m_seenWindows;
