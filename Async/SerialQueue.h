@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 
 namespace kestrove {
 
@@ -23,6 +24,11 @@ public:
     [[nodiscard]] virtual const std::string& label() const = 0;
 
     virtual void post(Operation operation) = 0;
+
+    /// As `post`, but the operation may run at once, inside this call: where the caller is on the
+    /// thread of the queue and nothing else of the queue runs or waits. For a caller that is done
+    /// with its own work.
+    virtual void dispatch(Operation operation) { post(std::move(operation)); }
 };
 
 } // namespace kestrove

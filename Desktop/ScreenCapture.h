@@ -98,8 +98,10 @@ enum class ColorSpace { sRGB };
 struct StreamConfiguration {
     StreamConfiguration() = default;
 
-    /// Frames never come closer together than this, but for the whole frame after a start or an
-    /// update, which comes at once; they come only when something changed.
+    /// Frames come only when something changed, and in the long run, to a hundredth, no more often
+    /// than this; one that was late may be followed by some that are up to 2 ms closer. Beside them
+    /// come the whole frame after a start or an update, at once, and what a frame may have lacked
+    /// of a change.
     MediaTime minimumFrameInterval;
     PixelFormat pixelFormat = PixelFormat::bgra32;
     bool showsCursor = false;

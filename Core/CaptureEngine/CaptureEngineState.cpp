@@ -32,7 +32,7 @@ SampleHandler CaptureEngine::State::makeSampleHandler() {
             if (const auto alive = state.lock())
                 alive->show(std::move(shown));
         };
-        // Of a queue on the main thread, each operation has a turn of its own already.
+        // It changes nothing of the engine or the stream, and so needs no turn of its own.
         if (loop.isMainThread())
             show();
         else

@@ -4,7 +4,6 @@
 #include <fmt/format.h>
 #include <utility>
 #include <xcb/composite.h>
-#include <xcb/damage.h>
 #include <xcb/randr.h>
 #include <xcb/render.h>
 #include <xcb/res.h>
@@ -78,6 +77,7 @@ std::expected<void, PlatformError> Connection::connect() {
     m_extensions = *extensions;
     m_atoms.clear();
     m_errorHandlers.clear();
+    m_damageHandlers.clear();
     m_masks.clear();
     m_readAhead.clear();
     m_lifetime = std::make_shared<const char>();
@@ -214,6 +214,8 @@ void Connection::drain() {
     if (any)
         eventsDrained.emit();
     takeReplies();
+    if (m_isOpen)
+        eventsActedOn.emit();
 }
 
 void Connection::takeReplies() {
@@ -254,7 +256,27 @@ void Connection::dispatch(const xcb_generic_event_t& event) {
     while (!m_errorHandlers.empty() &&
            static_cast<std::int32_t>(event.full_sequence - m_errorHandlers.begin()->first) > 0)
         m_errorHandlers.erase(m_errorHandlers.begin());
-    events.emit(event);
+    if ((event.response_type & 0x7F) == m_extensions.damageFirstEvent + XCB_DAMAGE_NOTIFY)
+        dispatchDamage(event);
+    else
+        events.emit(event);
+}
+
+void Connection::dispatchDamage(const xcb_generic_event_t& event) {
+    const auto& notify = reinterpret_cast<const xcb_damage_notify_event_t&>(event);
+    if (const auto found = m_damageHandlers.find(notify.damage); found != m_damageHandlers.end()) {
+        const auto told = found->second;
+        (*told)(notify.area, event.full_sequence);
+    }
+}
+
+Subscription Connection::onDamage(xcb_damage_damage_t damage, DamageHandler told) {
+    m_damageHandlers[damage] = std::make_shared<const DamageHandler>(std::move(told));
+    // On a later connection the number is another object's.
+    return Subscription([this, damage, connection = lifetime()] {
+        if (!connection.expired())
+            m_damageHandlers.erase(damage);
+    });
 }
 
 void Connection::dispatchError(std::uint32_t sequence) {

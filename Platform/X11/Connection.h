@@ -15,6 +15,8 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
+#include <xcb/damage.h>
 #include <xcb/xcb.h>
 
 namespace kestrove::x11 {
@@ -111,10 +113,19 @@ public:
     /// Tries to get a connection again after it was lost.
     std::expected<void, PlatformError> reopen();
 
-    /// Every event, in order. Generic (XInput) events included.
+    /// `area` in the coordinates of the drawable, `request` the last one that the server had worked
+    /// through.
+    using DamageHandler = std::function<void(const xcb_rectangle_t& area, std::uint32_t request)>;
+    /// Has what this damage object reports told to `told`, in its order among the events. Nothing
+    /// else is as frequent, and it is nobody else's business.
+    [[nodiscard]] Subscription onDamage(xcb_damage_damage_t damage, DamageHandler told);
+
+    /// Every other event, in order. Generic (XInput) events included.
     Signal<xcb_generic_event_t> events;
     /// All events that had arrived were told; the time to act on what they add up to.
     Signal<> eventsDrained;
+    /// Everybody has acted on what had arrived: the time for what comes of all of it, as a frame.
+    Signal<> eventsActedOn;
     Signal<> lost;
     Signal<> opened;
 
@@ -144,6 +155,7 @@ private:
     /// Of those that were read already.
     Reply<xcb_generic_event_t> nextReadEvent();
     void dispatch(const xcb_generic_event_t& event);
+    void dispatchDamage(const xcb_generic_event_t& event);
     void dispatchError(std::uint32_t sequence);
     void applyMask(xcb_window_t window);
     bool noticeLoss();
@@ -161,6 +173,8 @@ private:
     std::deque<Reply<xcb_generic_event_t>> m_readAhead;
     std::map<std::string, xcb_atom_t, std::less<>> m_atoms;
     ErrorHandlers m_errorHandlers;
+    /// Shared, so that one may end its own subscription.
+    std::unordered_map<xcb_damage_damage_t, std::shared_ptr<const DamageHandler>> m_damageHandlers;
     /// In the order of the requests, which is that of the replies.
     std::deque<AwaitedReply> m_awaitedReplies;
     std::map<xcb_window_t, MaskCounts> m_masks;

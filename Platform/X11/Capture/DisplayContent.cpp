@@ -80,6 +80,7 @@ void DisplayContent::arrange() {
 
 void DisplayContent::watchScreen() {
     if (m_composition.direct.isEmpty()) {
+        m_rootDamageTold.cancel();
         m_rootDamage.reset();
         m_isRootDamaged = false;
         m_beginOfWatch.reset();
@@ -89,6 +90,10 @@ void DisplayContent::watchScreen() {
     const bool isNew = !m_rootDamage;
     if (isNew) {
         m_rootDamage = DamageMonitor(m_connection, m_connection.generateIdentifier());
+        m_rootDamageTold = m_connection.onDamage(
+            m_rootDamage.get(), [this](const xcb_rectangle_t& area, std::uint32_t request) {
+                onRootDamage(area, request);
+            });
         xcb_damage_create(xcb, m_rootDamage.get(), m_connection.root(),
                           XCB_DAMAGE_REPORT_LEVEL_DELTA_RECTANGLES);
     }
@@ -111,6 +116,7 @@ void DisplayContent::updateBeneath() {
                     const auto& known = m_beneath.at(key);
                     m_damage += region.translated(known.seen.x, known.seen.y) &
                                 m_composition.covered & known.seen.region();
+                    m_damagedBeneath.insert(key);
                     m_hasNews = true;
                 });
         } else if (entry.seen.width != window.width || entry.seen.height != window.height ||
@@ -134,22 +140,28 @@ void DisplayContent::updateBeneath() {
                                                         m_services.stack.isComposited());
 }
 
-void DisplayContent::onEvent(const xcb_generic_event_t& event) {
+void DisplayContent::noticeProgress(std::uint32_t request) {
     // Events come in the order of the requests.
-    if (m_beginOfWatch && static_cast<std::int32_t>(event.full_sequence - *m_beginOfWatch) >= 0)
+    if (m_beginOfWatch && static_cast<std::int32_t>(request - *m_beginOfWatch) >= 0)
         m_beginOfWatch.reset();
+}
+
+void DisplayContent::onRootDamage(const xcb_rectangle_t& area, std::uint32_t request) {
+    noticeProgress(request);
+    if (m_beginOfWatch)
+        return;
+    const auto direct = Region(area) & m_composition.direct;
+    if (direct.isEmpty())
+        return;
+    m_damage += direct;
+    m_isRootDamaged = true;
+    m_hasNews = true;
+}
+
+void DisplayContent::onEvent(const xcb_generic_event_t& event) {
+    noticeProgress(event.full_sequence);
     const int type = event.response_type & 0x7F;
-    if (type == m_connection.extensions().damageFirstEvent + XCB_DAMAGE_NOTIFY) {
-        const auto& notify = reinterpret_cast<const xcb_damage_notify_event_t&>(event);
-        if (notify.damage != m_rootDamage.get() || m_beginOfWatch)
-            return;
-        const auto direct = Region(notify.area) & m_composition.direct;
-        if (direct.isEmpty())
-            return;
-        m_damage += direct;
-        m_isRootDamaged = true;
-        m_hasNews = true;
-    } else if (type == XCB_MAP_NOTIFY) {
+    if (type == XCB_MAP_NOTIFY) {
         const auto& map = reinterpret_cast<const xcb_map_notify_event_t&>(event);
         const auto beneath = m_beneath.find(map.window);
         if (map.event != m_connection.root() || beneath == m_beneath.end())
@@ -180,8 +192,10 @@ Region DisplayContent::takeDamage() {
     // our own drawing, there is one word after each frame and then none, since it stays changed.
     if (std::exchange(m_isRootDamaged, false))
         xcb_damage_subtract(m_connection.get(), m_rootDamage.get(), XCB_NONE, XCB_NONE);
-    for (const auto& [window, beneath] : m_beneath)
-        beneath.redirected->acceptDamage();
+    for (const auto window : std::exchange(m_damagedBeneath, {})) {
+        if (const auto beneath = m_beneath.find(window); beneath != m_beneath.end())
+            beneath->second.redirected->acceptDamage();
+    }
     return std::exchange(m_damage, {}).translated(-m_area.x, -m_area.y);
 }
 

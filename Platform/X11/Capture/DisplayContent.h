@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <vector>
 
 namespace kestrove::x11 {
@@ -45,6 +46,9 @@ private:
     void arrange();
     void updateBeneath();
     void watchScreen();
+    /// The server has worked through this request.
+    void noticeProgress(std::uint32_t request);
+    void onRootDamage(const xcb_rectangle_t& area, std::uint32_t request);
     void onEvent(const xcb_generic_event_t& event);
     void onDrained();
     [[nodiscard]] Region displayRegion() const { return Region(m_area); }
@@ -62,10 +66,13 @@ private:
     std::vector<xcb_window_t> m_excluded;
     DisplayComposition m_composition;
     std::map<xcb_window_t, Beneath> m_beneath;
+    /// Those of them of which a change was told since the changes were last accepted.
+    std::set<xcb_window_t> m_damagedBeneath;
     std::unique_ptr<RootBackground> m_background;
     Picture m_root;
     /// None while the screen is not read.
     DamageMonitor m_rootDamage;
+    Subscription m_rootDamageTold;
     /// Till the server has come to this request, what is told is that all has changed, since the
     /// monitor is new.
     std::optional<std::uint32_t> m_beginOfWatch;

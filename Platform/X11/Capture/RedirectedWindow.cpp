@@ -12,8 +12,7 @@ RedirectedWindow::RedirectedWindow(Connection& connection, PictureFormats::Forma
     , m_lifetime(connection.lifetime())
     , m_format(format)
     , m_window(window)
-    , m_border(border)
-    , m_events(connection.events.subscribe([this](const auto& event) { onEvent(event); })) {
+    , m_border(border) {
     redirect();
 }
 
@@ -27,6 +26,8 @@ void RedirectedWindow::redirect() {
     // Nobody draws in between: it would become black.
     const ServerGrab grab(m_connection);
     m_damage = DamageMonitor(m_connection, m_connection.generateIdentifier());
+    m_damageTold = m_connection.onDamage(
+        m_damage.get(), [this](const xcb_rectangle_t& area, std::uint32_t) { tell(area); });
     // In this order: it tells what is visible before the redirection, which is the window's own,
     // and what the server draws of the rest by itself.
     xcb_damage_create(xcb, m_damage.get(), m_window, XCB_DAMAGE_REPORT_LEVEL_DELTA_RECTANGLES);
@@ -90,15 +91,8 @@ void RedirectedWindow::acceptDamage() {
         xcb_damage_subtract(m_connection.get(), m_damage.get(), XCB_NONE, XCB_NONE);
 }
 
-void RedirectedWindow::onEvent(const xcb_generic_event_t& event) {
-    if ((event.response_type & 0x7F) !=
-        m_connection.extensions().damageFirstEvent + XCB_DAMAGE_NOTIFY)
-        return;
-    const auto& notify = reinterpret_cast<const xcb_damage_notify_event_t&>(event);
-    // The area is told relative to the window inside its border.
-    if (notify.damage != m_damage.get())
-        return;
-    auto area = Region(notify.area).translated(m_border, m_border);
+void RedirectedWindow::tell(const xcb_rectangle_t& insideBorder) {
+    auto area = Region(insideBorder).translated(m_border, m_border);
     if (m_interest)
         area &= *m_interest;
     if (area.isEmpty())

@@ -58,7 +58,7 @@ public:
 private:
     void redirect();
     void unredirect();
-    void onEvent(const xcb_generic_event_t& event);
+    void tell(const xcb_rectangle_t& insideBorder);
 
     Connection& m_connection;
     std::weak_ptr<const void> m_lifetime;
@@ -72,7 +72,7 @@ private:
     bool m_isDamaged = false;
     Pixmap m_pixmap;
     Picture m_picture;
-    Subscription m_events;
+    Subscription m_damageTold;
 };
 
 } // namespace kestrove::x11

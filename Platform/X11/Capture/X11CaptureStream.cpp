@@ -45,6 +45,10 @@ Task<std::expected<void, PlatformError>> X11CaptureStream::startCapture() {
     if (auto opened = openContent(m_filter); !opened)
         co_return opened;
     m_isRunning = true;
+    m_acted = m_connection.eventsActedOn.subscribe([this] {
+        if (std::exchange(m_isFrameDue, false))
+            makeFrame();
+    });
     m_lost = m_connection.lost.subscribe([this] { fail(connectionLost()); });
     m_room->onReleased = [this] {
         // Whoever has shown the frame has sent all this already, in one piece with the drawing.
@@ -136,6 +140,7 @@ void X11CaptureStream::requestWholeFrame() {
     m_isWholeFrameDue = true;
     // A new target is shown at once, however short ago the last frame was.
     m_pacer.restart();
+    m_isFrameDue = false;
     m_nextFrame = m_connection.loop().runAfter(Seconds(0), [this] { makeFrame(); });
 }
 
@@ -143,10 +148,15 @@ void X11CaptureStream::requestFrame() {
     if (!m_isRunning || m_nextFrame.isPending())
         return;
     auto& loop = m_connection.loop();
-    m_nextFrame = loop.runAfter(m_pacer.wait(loop.now()), [this] { makeFrame(); });
+    const auto wait = m_pacer.wait(loop.now());
+    // The timer is for a change that no event has told.
+    m_isFrameDue = wait == Seconds(0);
+    m_nextFrame = loop.runAfter(wait, [this] { makeFrame(); });
 }
 
 void X11CaptureStream::makeFrame() {
+    m_isFrameDue = false;
+    m_nextFrame.cancel();
     if (!m_isRunning || !m_handler)
         return;
     if (m_room->samplesOnTheirWay >= m_configuration.queueDepth) {
@@ -243,7 +253,7 @@ void X11CaptureStream::handOn(Region damage) {
     FrameSample::Content content{m_surface, std::move(damage), ++m_number};
     auto sample = std::make_shared<const FrameSample>(
         std::move(content), m_configuration.generation, std::move(released));
-    m_queue->post([handler = m_handler, handed = std::move(sample)]() mutable {
+    m_queue->dispatch([handler = m_handler, handed = std::move(sample)]() mutable {
         handler(std::move(handed));
     });
 }
@@ -258,6 +268,7 @@ void X11CaptureStream::end() {
     m_cursorChanged.cancel();
     m_monitorsChanged.cancel();
     m_lost.cancel();
+    m_acted.cancel();
     letGoOfSurface();
     // Windows that were redirected for this stream are let go of now, not with the next request.
     if (std::exchange(m_content, nullptr))

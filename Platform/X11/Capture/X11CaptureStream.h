@@ -81,6 +81,8 @@ private:
     bool m_isWaitingForRoom = false;
     FramePacer m_pacer;
     Timer m_nextFrame;
+    /// As soon as everybody has acted on the server's events.
+    bool m_isFrameDue = false;
 
     Subscription m_aboutToChange;
     Subscription m_changed;
@@ -89,6 +91,7 @@ private:
     Subscription m_cursorChanged;
     Subscription m_monitorsChanged;
     Subscription m_lost;
+    Subscription m_acted;
     TaskScope m_tasks;
 };
 

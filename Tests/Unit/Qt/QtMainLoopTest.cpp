@@ -199,6 +199,27 @@ TEST_F(QtMainLoopTest, MakesQueuesThatRunOnTheMainThreadInTurnsOfTheirOwn) {
     EXPECT_EQ(order, (std::vector{1, 2, 10, 20}));
 }
 
+TEST_F(QtMainLoopTest, RunsWhatIsDispatchedAtOnceWhereNothingElseOfTheQueueRunsOrWaits) {
+    auto queue = loop.makeSerialQueue("a.queue");
+    std::vector<int> order;
+    const auto append = [&](int number) { return [&, number] { order.push_back(number); }; };
+    queue->dispatch([&] {
+        order.push_back(1);
+        queue->dispatch(append(2));
+        order.push_back(3);
+    });
+    EXPECT_EQ(order, (std::vector{1, 3})) << "one runs at a time";
+    queue->dispatch(append(4));
+    EXPECT_EQ(order.size(), 2) << "and none before those that wait";
+    EXPECT_TRUE(spinUntil([&] { return order.size() == 4; }));
+    EXPECT_EQ(order, (std::vector{1, 3, 2, 4}));
+    queue->dispatch(append(5));
+    EXPECT_EQ(order.size(), 5);
+    std::thread([&] { queue->dispatch(append(6)); }).join();
+    EXPECT_EQ(order.size(), 5) << "on the main thread only";
+    EXPECT_TRUE(spinUntil([&] { return order.size() == 6; }));
+}
+
 TEST_F(QtMainLoopTest, DropsWhatIsQueuedWhereTheQueueGoes) {
     auto queue = loop.makeSerialQueue("short-lived");
     const auto kept = std::make_shared<bool>(false);

@@ -1,5 +1,7 @@
 #include "Tests/X11/Capture/CaptureFixture.h"
 
+#include "Async/MainLoopSerialQueue.h"
+
 #include <utility>
 
 namespace kestrove::test {
@@ -46,13 +48,11 @@ void CaptureDesktop::run(Task<void> task) {
 void CaptureDesktop::start(ContentFilter filter, StreamConfiguration configuration) {
     stream = capture->makeStream(std::move(filter), configuration,
                                  [this](const PlatformError& error) { stops.push_back(error); });
-    const auto added = stream->addScreenOutput(loop.makeSerialQueue("samples"),
-                                               [this](SampleBufferPointer sample) {
-                                                   loop.post([this, shown = std::move(sample)] {
-                                                       ++frames;
-                                                       layer->enqueue(shown);
-                                                   });
-                                               });
+    const auto added = stream->addScreenOutput(
+        std::make_shared<MainLoopSerialQueue>(loop, "samples"), [this](SampleBufferPointer sample) {
+            ++frames;
+            layer->enqueue(std::move(sample));
+        });
     EXPECT_TRUE(added);
     run(startStream(*stream));
     EXPECT_TRUE(m_outcome) << m_outcome.error().description;

@@ -5,6 +5,7 @@
 #include "Tests/X11/Capture/RequestRecorder.h"
 
 #include <functional>
+#include <utility>
 
 namespace kestrove::test {
 namespace {
@@ -147,6 +148,27 @@ TEST_F(FrameCost, OfABlockInAWindowThatFillsTheMarkedDisplay) {
     expectPerFrame(
         seen,
         {.requests = 3, .bytes = 72, .draws = 1, .pixels = blockArea, .replies = 0, .events = 1});
+}
+
+TEST_F(FrameCost, IsOneWakeUpWhereAChangeComesInOnePiece) {
+    const auto window = source({40, 30, 1200, 700});
+    test.openOutput({1280, 0, 1200, 700});
+    test.start(WindowFilter(window->id()));
+    // What a timer makes does not come between these two.
+    int beforeEvents = 0;
+    int shownAtOnce = 0;
+    const auto drained =
+        test.connection->eventsDrained.subscribe([&] { beforeEvents = test.frames; });
+    const auto acted = test.connection->eventsActedOn.subscribe(
+        [&] { shownAtOnce += test.frames - std::exchange(beforeEvents, test.frames); });
+    for (int step = 0; step < steps; ++step) {
+        test.settle();
+        shownAtOnce = 0;
+        const int before = test.frames;
+        window->fillRectangle({0, 0, 200, 200}, static_cast<Color>(step));
+        EXPECT_TRUE(test.loop.spinUntil([&] { return test.frames > before; }));
+        EXPECT_EQ(shownAtOnce, 1);
+    }
 }
 
 TEST_F(FrameCost, OfABlockBesideTheOutputOnTheSameDisplay) {

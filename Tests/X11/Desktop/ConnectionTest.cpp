@@ -37,5 +37,20 @@ TEST_F(ConnectionTest, TellsOfEventsThatCameWhileAReplyWasLookedFor) {
     EXPECT_TRUE(loop.spinUntil([&] { return isAnswered; }));
 }
 
+TEST_F(ConnectionTest, TellsOnceEverybodyHasActedOnTheEvents) {
+    connection->selectEvents(window->id(), XCB_EVENT_MASK_PROPERTY_CHANGE);
+    settle();
+    std::string order;
+    const auto acted = connection->eventsActedOn.subscribe([&] { order += '3'; });
+    const auto drained = connection->eventsDrained.subscribe([&] { order += '2'; });
+    const auto events = connection->events.subscribe([&](const auto& /*event*/) { order += '1'; });
+    // Both lie there before they are looked for.
+    for (const auto* title : {"one", "two"})
+        window->setTitle(title);
+    xcb_flush(window->connection());
+    EXPECT_TRUE(loop.spinUntil([&] { return order.contains('3'); }));
+    EXPECT_EQ(order.substr(order.find_last_of('1')), "123");
+}
+
 } // namespace
 } // namespace kestrove::x11

@@ -17,6 +17,10 @@ protected:
     }
     /// What the session was from now on.
     void record() {
+        // The start has the tracker tell where the pointer is, which is to be acted on first.
+        bool isActedOn = false;
+        loop.post([&] { isActedOn = true; });
+        ASSERT_TRUE(loop.spinUntil([&] { return isActedOn; }));
         m_states = controller().sessionState().subscribe(
             [this](const CaptureSessionState& state) { states.push_back(state.kind()); });
         states.clear();
@@ -33,7 +37,7 @@ TEST_F(DisplayFollowing, SwitchesOnceThePointerHasRestedOnAnotherDisplayAndNotBe
     start();
     ASSERT_TRUE(isActive(display("LEFT")));
     ASSERT_TRUE(shows(leftColor));
-    record();
+    ASSERT_NO_FATAL_FAILURE(record());
 
     // There and back before it has rested.
     pointAt(1300, 20);
@@ -61,7 +65,7 @@ TEST_F(DisplayFollowing, SwitchesOnceThePointerHasRestedOnAnotherDisplayAndNotBe
 TEST_F(DisplayFollowing, StaysWhereThePointerMovesOnTheSameDisplay) {
     start();
     ASSERT_TRUE(shows(leftColor));
-    record();
+    ASSERT_NO_FATAL_FAILURE(record());
     pointAt(600, 700);
     loop.advance(debounce + frame);
     pointAt(40, 30);
