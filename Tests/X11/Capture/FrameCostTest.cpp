@@ -4,6 +4,7 @@
 #include "Tests/X11/Capture/CaptureFixture.h"
 #include "Tests/X11/Capture/RequestRecorder.h"
 
+#include <array>
 #include <functional>
 #include <utility>
 
@@ -48,6 +49,22 @@ protected:
     /// `part` of the window, in another color each time.
     [[nodiscard]] Traffic costOfFilling(TestWindow& window, const xcb_rectangle_t& part) {
         return costOf([&](int step) { window.fillRectangle(part, static_cast<Color>(step)); });
+    }
+
+    /// Neither a frame nor anything asked of the server nor a word from it.
+    void expectNothing() {
+        test.settle();
+        RequestRecorder recorder(displayName(), test.connection->get());
+        // It may have read what was told meanwhile, for which nothing would wake us up.
+        test.connection->flush();
+        const int before = test.frames;
+        constexpr Seconds manyIntervals(0.5);
+        (void)test.loop.spinUntil([] { return false; }, manyIntervals);
+        const auto seen = recorder.take();
+        EXPECT_EQ(test.frames, before);
+        EXPECT_EQ(seen.requests, 0);
+        EXPECT_EQ(seen.events, 0);
+        EXPECT_EQ(seen.replies, 0);
     }
 
     CaptureDesktop test;
@@ -95,6 +112,74 @@ TEST_F(FrameCost, OfAVideoThatIsTheWindowOneToOne) {
     expectPerFrame(
         seen,
         {.requests = 3, .bytes = 72, .draws = 1, .pixels = videoArea, .replies = 0, .events = 1});
+}
+
+TEST_F(FrameCost, OfABlockInTheWindowOneToOne) {
+    const auto window = source({40, 30, 1200, 700});
+    test.openOutput({1280, 0, 1200, 700});
+    test.start(WindowFilter(window->id()));
+    const auto seen = costOfFilling(*window, {100, 50, 200, 200});
+    expectPerFrame(
+        seen,
+        {.requests = 3, .bytes = 72, .draws = 1, .pixels = blockArea, .replies = 0, .events = 1});
+}
+
+/// As terminals do it: what is there moves up, and the last line is drawn.
+void scroll(const TestWindow& window, std::uint16_t width, std::uint16_t height, Color color) {
+    constexpr std::uint16_t line = 20;
+    const auto rest = static_cast<std::uint16_t>(height - line);
+    auto* const xcb = window.connection();
+    const xcb_gcontext_t context = xcb_generate_id(xcb);
+    const std::array<std::uint32_t, 2> values{color, 0};
+    xcb_create_gc(xcb, context, window.id(), XCB_GC_FOREGROUND | XCB_GC_GRAPHICS_EXPOSURES,
+                  values.data());
+    xcb_copy_area(xcb, window.id(), window.id(), context, 0, line, 0, 0, width, rest);
+    const xcb_rectangle_t last{0, static_cast<std::int16_t>(rest), width, line};
+    xcb_poly_fill_rectangle(xcb, window.id(), context, 1, &last);
+    xcb_free_gc(xcb, context);
+    xcb_flush(xcb);
+}
+
+TEST_F(FrameCost, OfTextThatScrollsInTheWindowOneToOne) {
+    const auto window = source({40, 30, 1200, 700});
+    test.openOutput({1280, 0, 1200, 700});
+    test.start(WindowFilter(window->id()));
+    test.settle();
+    RequestRecorder recorder(displayName(), test.connection->get());
+    const int first = test.frames;
+    Traffic seen;
+    for (int step = 0; step < steps; ++step) {
+        const int before = test.frames;
+        scroll(*window, 1200, 700, static_cast<Color>(step));
+        EXPECT_TRUE(test.loop.spinUntil([&] { return test.frames > before; }));
+        seen += recorder.take();
+    }
+    // The server may have told the second of the two drawings later, for a frame of its own.
+    (void)test.loop.spinUntil([] { return false; }, Seconds(0.05));
+    seen += recorder.take();
+    const int frames = test.frames - first;
+    EXPECT_EQ(seen.requests, 3 * frames);
+    EXPECT_EQ(seen.bytes, 72 * frames);
+    EXPECT_EQ(seen.draws, frames);
+    EXPECT_LE(seen.pixels, videoArea * frames);
+    EXPECT_EQ(seen.replies, 0);
+    EXPECT_LE(seen.events, 2 * steps + 2);
+}
+
+TEST_F(FrameCost, IsNothingOnAStillDisplay) {
+    const auto window = source(wholeLeft);
+    const auto mark = source({0, 0, 1280, 4});
+    test.openOutput({1280, 0, 1280, 800});
+    test.start(test.display(0, {mark->id()}), CaptureDesktop::configurationAt(60, true));
+    expectNothing();
+}
+
+// The screen is watched, and what we have drawn on it ourselves changes nothing.
+TEST_F(FrameCost, IsNothingOnAStillDisplayWithTheOutputOnIt) {
+    const auto window = source({40, 30, 1200, 700});
+    test.openOutput({400, 300, 640, 400});
+    test.start(test.display(0, {test.outputWindow()}), CaptureDesktop::configurationAt(60, true));
+    expectNothing();
 }
 
 TEST_F(FrameCost, OfADisplayReducedByLessThanTwo) {
