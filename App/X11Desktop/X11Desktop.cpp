@@ -60,6 +60,7 @@ NativeWindowRequests X11Desktop::windowRequests() {
     requests.joinAllWorkspaces = [this](NativeViewHandle window) {
         m_windowManager.joinAllWorkspaces(window);
     };
+    requests.joinLists = [this](NativeViewHandle window) { m_windowManager.joinLists(window); };
     requests.setLevel = [this](NativeViewHandle window, WindowLevel level) {
         m_windowManager.setStacking(window, level == WindowLevel::floating
                                                 ? x11::Stacking::above

@@ -65,6 +65,16 @@ void WindowManagerRequests::joinAllWorkspaces(NativeViewHandle window) {
     xcb_flush(m_connection);
 }
 
+void WindowManagerRequests::joinLists(NativeViewHandle window) {
+    xcb_client_message_data_t data{};
+    data.data32[0] = removeState;
+    data.data32[1] = atom("_NET_WM_STATE_SKIP_TASKBAR");
+    data.data32[2] = atom("_NET_WM_STATE_SKIP_PAGER");
+    data.data32[3] = sourceIsApplication;
+    sendToWindowManager(static_cast<xcb_window_t>(window), "_NET_WM_STATE", data);
+    xcb_flush(m_connection);
+}
+
 void WindowManagerRequests::setStacking(NativeViewHandle window, Stacking stacking) {
     xcb_client_message_data_t data{};
     data.data32[0] = stacking == Stacking::above ? addState : removeState;

@@ -30,6 +30,11 @@ public:
     /// The window, which must be on the desktop, is on all workspaces from now on.
     void joinAllWorkspaces(NativeViewHandle window);
 
+    /// The window, which must be on the desktop, is among those that task bars and pagers list.
+    /// Window managers take one away from there that they see without having it to manage, and may
+    /// take it back as such; some let nobody minimise it then.
+    void joinLists(NativeViewHandle window);
+
     /// The window, which must be on the desktop, is kept above ordinary windows, or is one of them.
     void setStacking(NativeViewHandle window, Stacking stacking);
 

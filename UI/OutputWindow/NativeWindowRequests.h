@@ -19,6 +19,9 @@ struct NativeWindowRequests {
         setContentAspectRatios;
     /// On every workspace; again after every time the window was shown.
     std::function<void(NativeViewHandle window)> joinAllWorkspaces;
+    /// Among the windows that the desktop lists for the user; again after every time the window was
+    /// shown: parked, it may have been taken for one that is not to be listed.
+    std::function<void(NativeViewHandle window)> joinLists;
     /// Above all normal windows, or among them; again after every time the window was shown. Qt's
     /// own wish for it would have the window made anew at the next time that it is shown, and its
     /// number with it.

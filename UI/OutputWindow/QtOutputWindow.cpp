@@ -225,6 +225,8 @@ void QtOutputWindow::show(Activation activation) {
         applyLevel();
     awaitAnswer();
     joinAllWorkspaces();
+    if (!m_isParked && m_requests.joinLists)
+        m_requests.joinLists(m_widget.winId());
 }
 
 void QtOutputWindow::setTitle(std::string_view title) {

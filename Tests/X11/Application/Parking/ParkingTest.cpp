@@ -132,6 +132,30 @@ TEST_P(Parking, ShowsAMinimisedWindowToThoseWhoCaptureIt) {
     EXPECT_TRUE(isLive(right, "back"));
 }
 
+TEST_P(Parking, ComesBackAmongTheWindowsThatAreListed) {
+    share(onlyDisplay("RIGHT"));
+    ASSERT_TRUE(presents(right, "shown"));
+    ASSERT_TRUE(parks());
+    // As a window manager leaves it that sees the parked window and has nothing to do with it.
+    const std::array states{server.atom("_NET_WM_STATE_SKIP_TASKBAR"),
+                            server.atom("_NET_WM_STATE_SKIP_PAGER")};
+    xcb_change_property(desktop.connection(), XCB_PROP_MODE_REPLACE, window(),
+                        server.atom("_NET_WM_STATE"), XCB_ATOM_ATOM, 32, states.size(),
+                        states.data());
+    sync(desktop.connection());
+    tell("unhide");
+    EXPECT_TRUE(waitUntil([this] { return isOutputViewable() && !isParked(); }));
+    if (GetParam().hasLevels()) {
+        EXPECT_TRUE(waitUntil([this] {
+            return !hasState("_NET_WM_STATE_SKIP_TASKBAR") && !hasState("_NET_WM_STATE_SKIP_PAGER");
+        }));
+    }
+    // What is not listed, some let nobody minimise.
+    minimise();
+    ASSERT_TRUE(parks());
+    EXPECT_TRUE(isLive(right, "minimised, then parked"));
+}
+
 TEST_P(Parking, KeepsItsLevelThroughIt) {
     if (!GetParam().hasLevels()) {
         // What is left is that the switch does no harm.
