@@ -10,6 +10,7 @@
 #include <sys/resource.h>
 #include <unistd.h>
 #include <utility>
+#include <vector>
 
 namespace kestrove {
 namespace {
@@ -66,6 +67,7 @@ protected:
 TEST_F(DescriptorSetTest, WatchesAllByOne) {
     std::array<Pipe, 20> pipes;
     std::vector<Subscription> watches;
+    watches.reserve(pipes.size());
     int told = 0;
     for (const auto& pipe : pipes) {
         watches.push_back(m_set.watchReadable(pipe.readingEnd(), [&] {
