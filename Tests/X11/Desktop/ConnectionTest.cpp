@@ -2,6 +2,8 @@
 
 #include "Tests/X11/Desktop/X11Fixture.h"
 
+#include <vector>
+
 namespace kestrove::x11 {
 namespace {
 
@@ -50,6 +52,46 @@ TEST_F(ConnectionTest, TellsOnceEverybodyHasActedOnTheEvents) {
     xcb_flush(window->connection());
     EXPECT_TRUE(loop.spinUntil([&] { return order.contains('3'); }));
     EXPECT_EQ(order.substr(order.find_last_of('1')), "123");
+}
+
+TEST_F(ConnectionTest, TellsDamageToWhomItBelongsAndToNobodyElse) {
+    const auto damage = connection->generateIdentifier();
+    const auto other = connection->generateIdentifier();
+    for (const auto each : {damage, other})
+        xcb_damage_create(connection->get(), each, window->id(),
+                          XCB_DAMAGE_REPORT_LEVEL_DELTA_RECTANGLES);
+    std::vector<xcb_rectangle_t> told;
+    int toldOfOther = 0;
+    int toldToAll = 0;
+    auto own = connection->onDamage(
+        damage, [&](const xcb_rectangle_t& area, std::uint32_t) { told.push_back(area); });
+    const auto others =
+        connection->onDamage(other, [&](const xcb_rectangle_t&, std::uint32_t) { ++toldOfOther; });
+    const auto type = connection->extensions().damageFirstEvent + XCB_DAMAGE_NOTIFY;
+    const auto events = connection->events.subscribe([&](const xcb_generic_event_t& event) {
+        toldToAll += (event.response_type & 0x7F) == type ? 1 : 0;
+    });
+    settle();
+    // New, each tells that all of the window has changed.
+    for (const auto each : {damage, other})
+        xcb_damage_subtract(connection->get(), each, XCB_NONE, XCB_NONE);
+    settle();
+    told.clear();
+    toldOfOther = 0;
+    window->fillRectangle({20, 30, 40, 10}, 0xff00ff00);
+    EXPECT_TRUE(loop.spinUntil([&] { return !told.empty() && toldOfOther > 0; }));
+    ASSERT_EQ(told.size(), 1);
+    EXPECT_EQ(told.front().x, 20);
+    EXPECT_EQ(told.front().y, 30);
+    EXPECT_EQ(told.front().width, 40);
+    EXPECT_EQ(told.front().height, 10);
+    EXPECT_EQ(toldOfOther, 1);
+
+    own.cancel();
+    window->fillRectangle({100, 30, 40, 10}, 0xff00ff00);
+    EXPECT_TRUE(loop.spinUntil([&] { return toldOfOther == 2; }));
+    EXPECT_EQ(told.size(), 1);
+    EXPECT_EQ(toldToAll, 0);
 }
 
 } // namespace
