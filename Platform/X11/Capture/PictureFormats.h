@@ -4,6 +4,7 @@
 
 #include <map>
 #include <optional>
+#include <utility>
 #include <xcb/render.h>
 
 namespace kestrove::x11 {
@@ -11,13 +12,16 @@ namespace kestrove::x11 {
 /// How pixels of a visual are read by RENDER. Asked of the server once a connection.
 class PictureFormats {
 public:
-    explicit PictureFormats(Connection& connection);
-
     struct Format {
         xcb_render_pictformat_t identifier = XCB_NONE;
         std::uint8_t depth = 0;
         bool hasAlpha = false;
     };
+
+    explicit PictureFormats(Connection& connection);
+    /// Those of a server that is known otherwise, without any of our own.
+    explicit PictureFormats(std::map<xcb_visualid_t, Format> byVisual)
+        : m_byVisual(std::move(byVisual)) {}
 
     /// Absent for visuals that RENDER cannot read.
     [[nodiscard]] std::optional<Format> ofVisual(xcb_visualid_t visual) const;

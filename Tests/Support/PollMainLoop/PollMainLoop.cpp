@@ -15,6 +15,10 @@ namespace {
 /// How long the loop sleeps at most while a condition is waited for.
 constexpr Seconds longestWait{0.01};
 
+Seconds realTime() {
+    return std::chrono::steady_clock::now().time_since_epoch();
+}
+
 } // namespace
 
 struct PollMainLoop::TimerState {
@@ -55,7 +59,15 @@ PollMainLoop::~PollMainLoop() {
 }
 
 Seconds PollMainLoop::now() const {
-    return std::chrono::steady_clock::now().time_since_epoch();
+    return m_heldClock.value_or(realTime());
+}
+
+void PollMainLoop::holdClock() {
+    m_heldClock = now();
+}
+
+void PollMainLoop::advance(Seconds duration) {
+    m_heldClock.value() += duration;
 }
 
 void PollMainLoop::post(Operation operation) {
@@ -109,12 +121,12 @@ Subscription PollMainLoop::watchReadable(int descriptor, std::function<void()> r
 }
 
 bool PollMainLoop::spinUntil(const std::function<bool()>& condition, Seconds limit) {
-    const auto deadline = now() + limit;
+    const auto deadline = realTime() + limit;
     while (true) {
         runUntilIdle();
         if (condition())
             return true;
-        if (now() >= deadline)
+        if (realTime() >= deadline)
             return false;
         auto wait = longestWait;
         if (!m_timers->empty())

@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -43,6 +44,15 @@ public:
     /// Runs what is queued, due or readable now, and what that queues, without waiting.
     void runUntilIdle();
 
+    /// From now on the clock stands still but for `advance`: every delay runs out exactly when the
+    /// test says so.
+    void holdClock();
+    /// Moves the held clock on. What is due by then runs when the loop is spun next.
+    void advance(Seconds duration);
+
+    /// Whether something waits for its time.
+    [[nodiscard]] bool hasTimers() const { return !m_timers->empty(); }
+
 private:
     struct TimerState;
     class TimerWork;
@@ -63,6 +73,7 @@ private:
     void wake() const;
 
     std::thread::id m_thread;
+    std::optional<Seconds> m_heldClock;
     int m_wakeDescriptor;
     std::mutex m_mutex;
     /// Guarded by the mutex; everything else belongs to the main thread.

@@ -50,6 +50,24 @@ TEST(PollMainLoop, EndsARepeatingTimerThatItsOwnTickCancels) {
     EXPECT_FALSE(loop.spinUntil([&] { return ticks > 3; }, 10 * shortly));
 }
 
+TEST(PollMainLoop, FiresTimersOfAHeldClockWhenItIsMovedOn) {
+    PollMainLoop loop;
+    int fired = 0;
+    loop.holdClock();
+    const auto start = loop.now();
+    const auto timer = loop.runAfter(shortly, [&] { ++fired; });
+    EXPECT_FALSE(loop.spinUntil([&] { return fired > 0; }, 2 * shortly));
+    EXPECT_TRUE(loop.hasTimers());
+    loop.advance(shortly / 2);
+    loop.runUntilIdle();
+    EXPECT_EQ(fired, 0);
+    EXPECT_EQ(loop.now(), start + shortly / 2);
+    loop.advance(shortly);
+    loop.runUntilIdle();
+    EXPECT_EQ(fired, 1);
+    EXPECT_FALSE(loop.hasTimers());
+}
+
 TEST(PollMainLoop, SaysWhenAConditionDidNotComeToHold) {
     PollMainLoop loop;
     EXPECT_FALSE(loop.spinUntil([] { return false; }, shortly));

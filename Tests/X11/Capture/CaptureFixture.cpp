@@ -1,6 +1,7 @@
 #include "Tests/X11/Capture/CaptureFixture.h"
 
 #include "Async/MainLoopSerialQueue.h"
+#include "Tests/Support/XServer/Reply.h"
 
 #include <utility>
 
@@ -128,24 +129,25 @@ void CaptureDesktop::settleScreen(const xcb_rectangle_t& part) {
     });
 }
 
-void CaptureDesktop::settle() {
-    // Quiet is a round through server and loop that brought no frame, several times in a row.
-    int quiet = 0;
-    int seen = frames;
-    (void)loop.spinUntil([&] {
-        connection->synchronize();
-        quiet = seen == frames ? quiet + 1 : 0;
-        seen = frames;
-        return quiet > 20;
-    });
-    // And those that wait for the interval between two frames to be over.
-    constexpr Seconds someIntervals(0.06);
-    constexpr int enough = 100; // for all but frames that each make the next one
-    for (int waits = 0; waits < enough; ++waits) {
-        if (!loop.spinUntil([&] { return seen != frames; }, someIntervals))
-            return;
-        seen = frames;
+void CaptureDesktop::hearAll() {
+    // Between two answers the server comes to what it does when it has nothing else to do; the
+    // second one is sent after all that it told then.
+    constexpr int enough = 20;
+    for (int rounds = 0; rounds < enough; ++rounds) {
+        sync(desktop.connection());
+        // Whoever asked something by our connection may have read what was told meanwhile, for
+        // which nothing would wake us up.
+        connection->flush();
+        loop.runUntilIdle();
     }
+}
+
+void CaptureDesktop::settle() {
+    EXPECT_TRUE(loop.spinUntil([&] {
+        const int before = frames;
+        hearAll();
+        return frames == before && !loop.hasTimers();
+    }));
 }
 
 } // namespace kestrove::test

@@ -48,7 +48,10 @@ public:
                                                                std::string_view name);
     /// Spins until the screen, which a compositor may still paint, stays as it is.
     void settleScreen(const xcb_rectangle_t& part);
-    /// Spins until no frame has come for a while of the server's own quiet.
+    /// Spins until all is heard and acted on that the server has to tell, by questions of another
+    /// connection.
+    void hearAll();
+    /// Spins until nothing more comes: all is heard, and nothing of ours waits for its time.
     void settle();
     [[nodiscard]] PixelImage output() const;
     [[nodiscard]] PixelImage screen(const xcb_rectangle_t& part) const;
