@@ -1,5 +1,7 @@
 #include "Platform/X11/Connection.h"
 
+#include "Platform/X11/RequestOrder.h"
+
 #include <array>
 #include <fmt/format.h>
 #include <utility>
@@ -254,7 +256,7 @@ void Connection::dispatch(const xcb_generic_event_t& event) {
     // Requests up to this event's sequence have been worked through: those without an error
     // succeeded.
     while (!m_errorHandlers.empty() &&
-           static_cast<std::int32_t>(event.full_sequence - m_errorHandlers.begin()->first) > 0)
+           !isSince(m_errorHandlers.begin()->first, event.full_sequence))
         m_errorHandlers.erase(m_errorHandlers.begin());
     if ((event.response_type & 0x7F) == m_extensions.damageFirstEvent + XCB_DAMAGE_NOTIFY)
         dispatchDamage(event);

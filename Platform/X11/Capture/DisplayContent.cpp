@@ -1,6 +1,7 @@
 #include "Platform/X11/Capture/DisplayContent.h"
 
 #include "Platform/X11/Capture/FrameSurface.h"
+#include "Platform/X11/RequestOrder.h"
 
 #include <algorithm>
 #include <utility>
@@ -142,7 +143,7 @@ void DisplayContent::updateBeneath() {
 
 void DisplayContent::noticeProgress(std::uint32_t request) {
     // Events come in the order of the requests.
-    if (m_beginOfWatch && static_cast<std::int32_t>(request - *m_beginOfWatch) >= 0)
+    if (m_beginOfWatch && isSince(request, *m_beginOfWatch))
         m_beginOfWatch.reset();
 }
 

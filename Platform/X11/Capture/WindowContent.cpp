@@ -1,6 +1,7 @@
 #include "Platform/X11/Capture/WindowContent.h"
 
 #include "Platform/X11/Capture/FrameSurface.h"
+#include "Platform/X11/RequestOrder.h"
 
 #include <algorithm>
 #include <utility>
@@ -27,19 +28,20 @@ WindowContent::open(Connection& connection, CaptureServices& services, xcb_windo
     xcb_shape_select_input(xcb, window, 1);
     const auto attributes =
         connection.reply(xcb_get_window_attributes_reply, xcb_get_window_attributes(xcb, window));
-    const auto geometry = connection.reply(xcb_get_geometry_reply, xcb_get_geometry(xcb, window));
+    const auto askedGeometry = xcb_get_geometry(xcb, window);
+    const auto geometry = connection.reply(xcb_get_geometry_reply, askedGeometry);
     const auto format = attributes ? services.formats.ofVisual(attributes->visual) : std::nullopt;
     if (!attributes || !geometry || !format) {
         connection.deselectEvents(window, windowEvents);
         return std::unexpected(PlatformError("X11", badWindow, "the window has gone"));
     }
-    return std::unique_ptr<WindowContent>(
-        new WindowContent(connection, services, window, *format, *geometry));
+    return std::unique_ptr<WindowContent>(new WindowContent(connection, services, window, *format,
+                                                            *geometry, askedGeometry.sequence));
 }
 
 WindowContent::WindowContent(Connection& connection, CaptureServices& services, xcb_window_t window,
                              PictureFormats::Format format,
-                             const xcb_get_geometry_reply_t& geometry)
+                             const xcb_get_geometry_reply_t& geometry, std::uint32_t sizeAsked)
     : m_connection(connection)
     , m_services(services)
     , m_lifetime(connection.lifetime())
@@ -47,6 +49,7 @@ WindowContent::WindowContent(Connection& connection, CaptureServices& services, 
     , m_width(geometry.width)
     , m_height(geometry.height)
     , m_border(geometry.border_width)
+    , m_sizeAsked(sizeAsked)
     , m_redirected(connection, format, window, geometry.border_width)
     , m_damaged(m_redirected.damaged.subscribe([this](const Region& region) {
         m_damage += region.translated(-offsetX(), -offsetY());
@@ -192,7 +195,8 @@ void WindowContent::onEvent(const xcb_generic_event_t& event) {
     const int type = event.response_type & 0x7F;
     switch (type) {
     case XCB_CONFIGURE_NOTIFY:
-        onConfigure(reinterpret_cast<const xcb_configure_notify_event_t&>(event));
+        onConfigure(reinterpret_cast<const xcb_configure_notify_event_t&>(event),
+                    event.full_sequence);
         return;
     case XCB_MAP_NOTIFY: {
         const auto& map = reinterpret_cast<const xcb_map_notify_event_t&>(event);
@@ -241,12 +245,13 @@ void WindowContent::onEvent(const xcb_generic_event_t& event) {
     }
 }
 
-void WindowContent::onConfigure(const xcb_configure_notify_event_t& event) {
+void WindowContent::onConfigure(const xcb_configure_notify_event_t& event, std::uint32_t told) {
     if (event.event != event.window || !isFollowed(event.window))
         return;
     m_place.reset();
     const bool isSent = (event.response_type & 0x80) != 0;
-    if (event.window != m_window || isSent)
+    // Of an earlier capture of the same window, more may have come that was not told.
+    if (event.window != m_window || isSent || !isSince(told, m_sizeAsked))
         return;
     if (event.width == m_width && event.height == m_height && event.border_width == m_border)
         return;

@@ -1,5 +1,7 @@
 #include "Platform/X11/Capture/X11DisplayLayer.h"
 
+#include "Platform/X11/RequestOrder.h"
+
 #include <array>
 #include <utility>
 
@@ -30,7 +32,9 @@ void X11DisplayLayer::createWindow() {
     m_connection.selectEvents(m_host, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
     const auto attributes =
         m_connection.reply(xcb_get_window_attributes_reply, xcb_get_window_attributes(xcb, m_host));
-    const auto geometry = m_connection.reply(xcb_get_geometry_reply, xcb_get_geometry(xcb, m_host));
+    const auto askedGeometry = xcb_get_geometry(xcb, m_host);
+    m_sizeAsked = askedGeometry.sequence;
+    const auto geometry = m_connection.reply(xcb_get_geometry_reply, askedGeometry);
     if (!m_formats)
         m_formats = std::make_unique<PictureFormats>(m_connection);
     const auto format = attributes ? m_formats->ofVisual(attributes->visual) : std::nullopt;
@@ -152,12 +156,14 @@ void X11DisplayLayer::resize(int width, int height) {
 
 void X11DisplayLayer::onEvent(const xcb_generic_event_t& event) {
     // Events come in the order of the requests.
-    if (m_wholeDrawing && static_cast<std::int32_t>(event.full_sequence - *m_wholeDrawing) >= 0)
+    if (m_wholeDrawing && isSince(event.full_sequence, *m_wholeDrawing))
         m_wholeDrawing.reset();
     const int type = event.response_type & 0x7F;
     if (type == XCB_CONFIGURE_NOTIFY) {
         const auto& configure = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
-        if (m_host != XCB_NONE && configure.event == m_host && configure.window == m_host)
+        // Of an earlier time with the same host, more may have come that was not told.
+        if (m_host != XCB_NONE && configure.event == m_host && configure.window == m_host &&
+            isSince(event.full_sequence, m_sizeAsked))
             resize(configure.width, configure.height);
     } else if (type == XCB_EXPOSE) {
         const auto& expose = reinterpret_cast<const xcb_expose_event_t&>(event);
