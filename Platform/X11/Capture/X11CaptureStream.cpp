@@ -58,7 +58,7 @@ Task<std::expected<void, PlatformError>> X11CaptureStream::startCapture() {
             m_nextFrame = m_connection.loop().runAfter(Seconds(0), [this] { makeFrame(); });
     };
     followCursor();
-    requestWholeFrame();
+    makeWholeFrame();
     co_return Outcome();
 }
 
@@ -73,7 +73,11 @@ X11CaptureStream::updateContentFilter(ContentFilter filter) {
         co_return std::unexpected(connectionLost());
     if (auto opened = openContent(std::move(filter)); !opened)
         co_return opened;
-    requestWholeFrame();
+    m_isWholeFrameDue = true;
+    m_pacer.restart();
+    m_isFrameDue = false;
+    // A configuration that belongs to it may follow, and has its frame at once.
+    m_nextFrame = m_connection.loop().runAfter(Seconds(0), [this] { makeFrame(); });
     co_return Outcome();
 }
 
@@ -83,7 +87,7 @@ X11CaptureStream::updateConfiguration(StreamConfiguration configuration) {
         co_return std::unexpected(connectionLost());
     m_configuration = configuration;
     followCursor();
-    requestWholeFrame();
+    makeWholeFrame();
     co_return Outcome();
 }
 
@@ -92,7 +96,11 @@ X11CaptureStream::Outcome X11CaptureStream::openContent(ContentFilter filter) {
     if (!opened)
         return std::unexpected(std::move(opened.error()));
     letGoOfSurface();
-    m_content = std::move(*opened);
+    // Windows that were redirected for it are copied back, which the first frame need not wait for.
+    m_tasks.post([this, former = std::exchange(m_content, std::move(*opened))]() mutable {
+        former.reset();
+        m_connection.flush();
+    });
     m_filter = std::move(filter);
     followContent();
     return {};
@@ -136,12 +144,11 @@ void X11CaptureStream::followDisplay() {
     }
 }
 
-void X11CaptureStream::requestWholeFrame() {
+void X11CaptureStream::makeWholeFrame() {
     m_isWholeFrameDue = true;
     // A new target is shown at once, however short ago the last frame was.
     m_pacer.restart();
-    m_isFrameDue = false;
-    m_nextFrame = m_connection.loop().runAfter(Seconds(0), [this] { makeFrame(); });
+    makeFrame();
 }
 
 void X11CaptureStream::requestFrame() {

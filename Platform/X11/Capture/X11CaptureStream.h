@@ -52,7 +52,9 @@ private:
     void followCursor();
     void followDisplay();
     void requestFrame();
-    void requestWholeFrame();
+    /// Before whoever asked for the new target goes on: the marks that then follow the source have
+    /// the server copy whole windows, for longer than an interval.
+    void makeWholeFrame();
     void makeFrame();
     [[nodiscard]] std::optional<PaintedCursor> currentCursor();
     Region paintedAtOnce(const Region& region) const override;

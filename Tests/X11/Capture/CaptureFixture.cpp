@@ -61,6 +61,7 @@ void CaptureDesktop::start(ContentFilter filter, StreamConfiguration configurati
 
 Task<void> CaptureDesktop::startStream(CaptureStream& started) {
     m_outcome = co_await started.startCapture();
+    framesWhenAnswered = frames;
 }
 
 std::expected<void, PlatformError> CaptureDesktop::outcomeOfStarting(CaptureStream& other) {
@@ -88,6 +89,16 @@ void CaptureDesktop::retarget(ContentFilter filter) {
 
 Task<void> CaptureDesktop::retargetStream(ContentFilter filter) {
     m_outcome = co_await stream->updateContentFilter(std::move(filter));
+}
+
+void CaptureDesktop::reconfigure(StreamConfiguration configuration) {
+    run(reconfigureStream(configuration));
+    EXPECT_TRUE(m_outcome) << m_outcome.error().description;
+}
+
+Task<void> CaptureDesktop::reconfigureStream(StreamConfiguration configuration) {
+    m_outcome = co_await stream->updateConfiguration(configuration);
+    framesWhenAnswered = frames;
 }
 
 void CaptureDesktop::stop() {

@@ -29,6 +29,7 @@ public:
     void start(ContentFilter filter, StreamConfiguration configuration);
     void start(ContentFilter filter) { start(std::move(filter), configurationAt(60)); }
     void retarget(ContentFilter filter);
+    void reconfigure(StreamConfiguration configuration);
     void stop();
     [[nodiscard]] std::expected<void, PlatformError> outcomeOfStarting(CaptureStream& other);
 
@@ -67,6 +68,8 @@ public:
     std::unique_ptr<x11::X11DisplayLayer> layer;
     std::shared_ptr<CaptureStream> stream;
     int frames = 0;
+    /// How many of them had come when the stream had started, or was reconfigured, the last time.
+    int framesWhenAnswered = 0;
     /// How many requests our connection has sent.
     [[nodiscard]] std::uint32_t requestCount() const;
     std::vector<PlatformError> stops;
@@ -74,6 +77,7 @@ public:
 private:
     Task<void> startStream(CaptureStream& started);
     Task<void> retargetStream(ContentFilter filter);
+    Task<void> reconfigureStream(StreamConfiguration configuration);
     Task<void> stopStream();
     void run(Task<void> task);
 

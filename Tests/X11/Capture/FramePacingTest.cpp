@@ -19,10 +19,10 @@ constexpr Seconds longTime{1};
 class FramePacing : public testing::Test {
 protected:
     void SetUp() override {
-        m_test.openOutput({1280, 0, place.width, place.height});
-        m_test.start(WindowFilter(m_window.id()));
-        m_test.settle();
-        m_test.loop.holdClock();
+        test.openOutput({1280, 0, place.width, place.height});
+        test.start(WindowFilter(m_window.id()));
+        test.settle();
+        test.loop.holdClock();
     }
 
     /// How many frames a change makes before any time goes by.
@@ -30,22 +30,23 @@ protected:
         return framesOf([&] { m_window.fillRectangle(part, ++m_color); });
     }
     [[nodiscard]] int framesWithin(Seconds duration) {
-        return framesOf([&] { m_test.loop.advance(duration); });
+        return framesOf([&] { test.loop.advance(duration); });
     }
     [[nodiscard]] testing::AssertionResult outputIsTheWindow() const {
-        return samePixels(m_test.output(), m_test.screen(place), "the window");
+        return samePixels(test.output(), test.screen(place), "the window");
     }
+
+    CaptureDesktop test;
 
 private:
     [[nodiscard]] int framesOf(const std::function<void()>& work) {
-        const int before = m_test.frames;
+        const int before = test.frames;
         work();
-        m_test.hearAll();
-        return m_test.frames - before;
+        test.hearAll();
+        return test.frames - before;
     }
 
-    CaptureDesktop m_test;
-    TestWindow m_window{m_test.desktop.displayName(),
+    TestWindow m_window{test.desktop.displayName(),
                         TestWindow::Options{.geometry = place, .overrideRedirect = true}};
     Color m_color = 0;
 };
@@ -97,6 +98,18 @@ TEST_F(FramePacing, ShowsASourceOfTheSameRateWheneverItChanges) {
         EXPECT_EQ(framesOfChanging(onePart), 1);
         EXPECT_EQ(framesWithin(interval), 0);
     }
+}
+
+// Whoever asked for it goes on to mark the source, which has the server busy for longer.
+TEST_F(FramePacing, ShowsANewTargetBeforeItSaysThatItHasIt) {
+    EXPECT_EQ(test.framesWhenAnswered, 1);
+    test.retarget(test.display(0));
+    test.hearAll();
+    const int before = test.frames;
+    test.reconfigure(CaptureDesktop::configurationAt(30));
+    EXPECT_EQ(test.framesWhenAnswered, before + 1);
+    test.hearAll();
+    EXPECT_EQ(test.frames, before + 1);
 }
 
 } // namespace
