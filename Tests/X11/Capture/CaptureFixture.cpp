@@ -6,10 +6,18 @@
 #include <utility>
 
 namespace kestrove::test {
+namespace {
+
+/// By turns of two connections: the server goes on with the same one for a while as long as it
+/// asks, and comes to others, and to what it does when nobody asks, in between.
+constexpr int enoughRounds = 20;
+
+} // namespace
 
 CaptureDesktop::CaptureDesktop(const XDesktop::Options& options)
     : desktop(options)
     , applications(DesktopEntries({}))
+    , m_listener(xcb_connect(desktop.displayName().c_str(), nullptr))
     , m_tasks(loop) {
     auto opened = x11::Connection::open(loop, loop, desktop.displayName());
     EXPECT_TRUE(opened) << opened.error().description;
@@ -141,11 +149,17 @@ void CaptureDesktop::settleScreen(const xcb_rectangle_t& part) {
 }
 
 void CaptureDesktop::hearAll() {
-    // Between two answers the server comes to what it does when it has nothing else to do; the
-    // second one is sent after all that it told then.
-    constexpr int enough = 20;
-    for (int rounds = 0; rounds < enough; ++rounds) {
+    for (int round = 0; round < enoughRounds; ++round) {
+        connection->synchronize();
         sync(desktop.connection());
+        loop.runUntilIdle();
+    }
+}
+
+void CaptureDesktop::listen() {
+    for (int round = 0; round < enoughRounds; ++round) {
+        sync(desktop.connection());
+        sync(m_listener.get());
         // Whoever asked something by our connection may have read what was told meanwhile, for
         // which nothing would wake us up.
         connection->flush();

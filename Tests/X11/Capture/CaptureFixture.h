@@ -49,9 +49,11 @@ public:
                                                                std::string_view name);
     /// Spins until the screen, which a compositor may still paint, stays as it is.
     void settleScreen(const xcb_rectangle_t& part);
-    /// Spins until all is heard and acted on that the server has to tell, by questions of another
-    /// connection.
+    /// Spins until the server has done what we asked of it, and all is heard and acted on that it
+    /// has to tell.
     void hearAll();
+    /// The same without asking anything ourselves.
+    void listen();
     /// Spins until nothing more comes: all is heard, and nothing of ours waits for its time.
     void settle();
     [[nodiscard]] PixelImage output() const;
@@ -81,7 +83,13 @@ private:
     Task<void> stopStream();
     void run(Task<void> task);
 
+    struct Disconnect {
+        void operator()(xcb_connection_t* open) const { xcb_disconnect(open); }
+    };
+
     std::unique_ptr<TestWindow> m_output;
+    /// Asks when we shall not.
+    std::unique_ptr<xcb_connection_t, Disconnect> m_listener;
     std::expected<void, PlatformError> m_outcome;
     TaskScope m_tasks;
 };

@@ -56,7 +56,8 @@ protected:
         test.settle();
         RequestRecorder recorder(displayName(), test.connection->get());
         const int before = test.frames;
-        test.settle();
+        test.listen();
+        EXPECT_FALSE(test.loop.hasTimers());
         const auto seen = recorder.take();
         EXPECT_EQ(test.frames, before);
         EXPECT_EQ(seen.requests, 0);
@@ -152,7 +153,9 @@ TEST_F(FrameCost, OfTextThatScrollsInTheWindowOneToOne) {
         seen += recorder.take();
     }
     // The server may have told the second of the two drawings later, for a frame of its own.
-    test.settle();
+    EXPECT_TRUE(test.loop.spinUntil([&] { return !test.loop.hasTimers(); }));
+    test.listen();
+    EXPECT_FALSE(test.loop.hasTimers());
     seen += recorder.take();
     const int frames = test.frames - first;
     EXPECT_EQ(seen.requests, 3 * frames);
