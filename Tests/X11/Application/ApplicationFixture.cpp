@@ -35,6 +35,11 @@ void expectWithin(const std::function<bool()>& condition, std::string_view what)
 
 } // namespace
 
+bool isSame(const xcb_rectangle_t& one, const xcb_rectangle_t& other) {
+    return one.x == other.x && one.y == other.y && one.width == other.width &&
+           one.height == other.height;
+}
+
 ApplicationFixture::ApplicationFixture(WindowManager manager, SessionBus sessionBus)
     : desktop(XDesktop::Options{.monitors = {{"LEFT", leftPlace}, {"RIGHT", rightPlace}},
                                 .windowManager = manager,
@@ -160,6 +165,19 @@ xcb_rectangle_t ApplicationFixture::outputPlace() const {
     return {place->dst_x, place->dst_y, size->width, size->height};
 }
 
+xcb_rectangle_t ApplicationFixture::settledPlace() const {
+    auto place = outputPlace();
+    int inARow = 0;
+    constexpr int enough = 150; // a window manager under load answers late
+    (void)waitUntil([&] {
+        const auto now = outputPlace();
+        inARow = isSame(now, place) && isViewable(m_window) ? inARow + 1 : 0;
+        place = now;
+        return inARow >= enough;
+    });
+    return place;
+}
+
 PixelImage ApplicationFixture::output() const {
     // Nobody shall move it or make it smaller between the questions.
     xcb_grab_server(desktop.connection());
@@ -218,6 +236,8 @@ testing::AssertionResult ApplicationFixture::showsPlaceholder(std::string_view n
 }
 
 void ApplicationFixture::placeOutput(const xcb_rectangle_t& place) {
+    // No hand is as fast as the window's first place and the window manager's answer to it.
+    (void)settledPlace();
     const std::array<std::uint32_t, 4> values{
         static_cast<std::uint32_t>(place.x), static_cast<std::uint32_t>(place.y),
         static_cast<std::uint32_t>(place.width), static_cast<std::uint32_t>(place.height)};

@@ -16,6 +16,8 @@
 
 namespace kestrove::test {
 
+[[nodiscard]] bool isSame(const xcb_rectangle_t& one, const xcb_rectangle_t& other);
+
 /// The program itself on a desktop of the test's own: two painted displays, the main one on the
 /// left, where the output window opens in the middle.
 class ApplicationFixture : public testing::Test {
@@ -41,6 +43,8 @@ protected:
 
     /// Content of the output window, root pixels.
     [[nodiscard]] xcb_rectangle_t outputPlace() const;
+    /// Where it is once it stays where it is.
+    [[nodiscard]] xcb_rectangle_t settledPlace() const;
     /// What it shows now; empty while it is not shown, or a part of it is off the screen.
     [[nodiscard]] PixelImage output() const;
     [[nodiscard]] testing::AssertionResult shows(const PaintedDisplay& display,

@@ -22,11 +22,6 @@ namespace {
 constexpr std::uint32_t normalState = 1;
 constexpr int scalingTolerance = 3; ///< of a channel: passes of a filter round one after the other
 
-bool isSame(const xcb_rectangle_t& one, const xcb_rectangle_t& other) {
-    return one.x == other.x && one.y == other.y && one.width == other.width &&
-           one.height == other.height;
-}
-
 std::string text(const xcb_rectangle_t& place) {
     return fmt::format("{}x{} at {},{}", place.width, place.height, place.x, place.y);
 }
@@ -169,19 +164,6 @@ testing::AssertionResult SteeredFixture::returnsTo(const xcb_rectangle_t& place)
         return testing::AssertionSuccess();
     return testing::AssertionFailure()
            << "it lies " << text(outputPlace()) << " and not " << text(place);
-}
-
-xcb_rectangle_t SteeredFixture::settledPlace() const {
-    auto place = outputPlace();
-    int inARow = 0;
-    constexpr int enough = 150; // a window manager under load answers late
-    (void)waitUntil([&] {
-        const auto now = outputPlace();
-        inARow = isSame(now, place) && isOutputViewable() ? inARow + 1 : 0;
-        place = now;
-        return inARow >= enough;
-    });
-    return place;
 }
 
 xcb_rectangle_t SteeredFixture::placeToComeBackTo() {

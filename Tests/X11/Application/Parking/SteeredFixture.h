@@ -41,8 +41,6 @@ protected:
     [[nodiscard]] testing::AssertionResult parks();
     /// Unhides it and waits until it lies with its content at `place`.
     [[nodiscard]] testing::AssertionResult returnsTo(const xcb_rectangle_t& place);
-    /// Where it is once it stays where it is.
-    [[nodiscard]] xcb_rectangle_t settledPlace() const;
     /// The same, after it has come back once. A window manager that was late at the start may have
     /// left it as large as the display; what comes back keeps clear of the edges.
     [[nodiscard]] xcb_rectangle_t placeToComeBackTo();
