@@ -192,11 +192,12 @@ bool WindowContent::isFollowed(xcb_window_t window) const {
 }
 
 void WindowContent::onEvent(const xcb_generic_event_t& event) {
+    if (m_sizeAsked && isSince(event.full_sequence, *m_sizeAsked))
+        m_sizeAsked.reset();
     const int type = event.response_type & 0x7F;
     switch (type) {
     case XCB_CONFIGURE_NOTIFY:
-        onConfigure(reinterpret_cast<const xcb_configure_notify_event_t&>(event),
-                    event.full_sequence);
+        onConfigure(reinterpret_cast<const xcb_configure_notify_event_t&>(event));
         return;
     case XCB_MAP_NOTIFY: {
         const auto& map = reinterpret_cast<const xcb_map_notify_event_t&>(event);
@@ -245,13 +246,13 @@ void WindowContent::onEvent(const xcb_generic_event_t& event) {
     }
 }
 
-void WindowContent::onConfigure(const xcb_configure_notify_event_t& event, std::uint32_t told) {
+void WindowContent::onConfigure(const xcb_configure_notify_event_t& event) {
     if (event.event != event.window || !isFollowed(event.window))
         return;
     m_place.reset();
     const bool isSent = (event.response_type & 0x80) != 0;
     // Of an earlier capture of the same window, more may have come that was not told.
-    if (event.window != m_window || isSent || !isSince(told, m_sizeAsked))
+    if (event.window != m_window || isSent || m_sizeAsked)
         return;
     if (event.width == m_width && event.height == m_height && event.border_width == m_border)
         return;

@@ -50,7 +50,7 @@ private:
     [[nodiscard]] int offsetY() const { return m_border + m_shadow.top; }
     void renewAll();
     void onEvent(const xcb_generic_event_t& event);
-    void onConfigure(const xcb_configure_notify_event_t& event, std::uint32_t told);
+    void onConfigure(const xcb_configure_notify_event_t& event);
     [[nodiscard]] bool isFollowed(xcb_window_t window) const;
 
     Connection& m_connection;
@@ -60,8 +60,8 @@ private:
     int m_width;
     int m_height;
     int m_border;
-    /// The request that told these three.
-    std::uint32_t m_sizeAsked;
+    /// The request that told these three, until the server has told something after it.
+    std::optional<std::uint32_t> m_sizeAsked;
     Shadow m_shadow;
     /// Relative to the window inside its border.
     std::optional<Region> m_shape;

@@ -96,11 +96,9 @@ X11CaptureStream::Outcome X11CaptureStream::openContent(ContentFilter filter) {
     if (!opened)
         return std::unexpected(std::move(opened.error()));
     letGoOfSurface();
+    m_formerContent = std::exchange(m_content, std::move(*opened));
     // Windows that were redirected for it are copied back, which the first frame need not wait for.
-    m_tasks.post([this, former = std::exchange(m_content, std::move(*opened))]() mutable {
-        former.reset();
-        m_connection.flush();
-    });
+    m_tasks.post([this] { letGoOfFormerContent(); });
     m_filter = std::move(filter);
     followContent();
     return {};
@@ -112,6 +110,11 @@ void X11CaptureStream::letGoOfSurface() {
         surface->detach();
     m_refused.cancel();
     m_cursor.reset();
+}
+
+void X11CaptureStream::letGoOfFormerContent() {
+    if (std::exchange(m_formerContent, nullptr))
+        m_connection.flush();
 }
 
 void X11CaptureStream::followContent() {
@@ -277,6 +280,7 @@ void X11CaptureStream::end() {
     m_lost.cancel();
     m_acted.cancel();
     letGoOfSurface();
+    letGoOfFormerContent();
     // Windows that were redirected for this stream are let go of now, not with the next request.
     if (std::exchange(m_content, nullptr))
         m_connection.flush();

@@ -60,6 +60,7 @@ private:
     Region paintedAtOnce(const Region& region) const override;
     void paint(const PaintTarget& target, const Region& region) override;
     void letGoOfSurface();
+    void letGoOfFormerContent();
     void handOn(Region damage);
     void end();
     void fail(PlatformError error);
@@ -75,6 +76,8 @@ private:
     bool m_isRunning = false;
 
     std::unique_ptr<SourceContent> m_content;
+    /// Until the first frame of the present one was made.
+    std::unique_ptr<SourceContent> m_formerContent;
     std::shared_ptr<FrameSurface> m_surface;
     std::optional<PaintedCursor> m_cursor;
     bool m_isWholeFrameDue = true;

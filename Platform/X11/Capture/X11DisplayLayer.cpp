@@ -158,12 +158,14 @@ void X11DisplayLayer::onEvent(const xcb_generic_event_t& event) {
     // Events come in the order of the requests.
     if (m_wholeDrawing && isSince(event.full_sequence, *m_wholeDrawing))
         m_wholeDrawing.reset();
+    if (m_sizeAsked && isSince(event.full_sequence, *m_sizeAsked))
+        m_sizeAsked.reset();
     const int type = event.response_type & 0x7F;
     if (type == XCB_CONFIGURE_NOTIFY) {
         const auto& configure = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
         // Of an earlier time with the same host, more may have come that was not told.
         if (m_host != XCB_NONE && configure.event == m_host && configure.window == m_host &&
-            isSince(event.full_sequence, m_sizeAsked))
+            !m_sizeAsked)
             resize(configure.width, configure.height);
     } else if (type == XCB_EXPOSE) {
         const auto& expose = reinterpret_cast<const xcb_expose_event_t&>(event);

@@ -50,8 +50,8 @@ private:
     /// The request before all of the window was drawn, until the server has told something after
     /// it: what was bared before has been drawn since.
     std::optional<std::uint32_t> m_wholeDrawing;
-    /// The request that told the host's size.
-    std::uint32_t m_sizeAsked = 0;
+    /// The request that told the host's size, until the server has told something after it.
+    std::optional<std::uint32_t> m_sizeAsked;
     Subscription m_events;
     Subscription m_drained;
     Subscription m_lost;
