@@ -57,6 +57,7 @@ DisplayComposition compose(const std::vector<StackedWindow>& bottomToTop,
 
 std::vector<xcb_window_t> windowsOf(const DisplayComposition& composition) {
     std::vector<xcb_window_t> result;
+    result.reserve(composition.windows.size());
     for (const auto& each : composition.windows)
         result.push_back(each.window.window);
     return result;
