@@ -102,13 +102,6 @@ Task<std::expected<ShareableContent, PlatformError>>
 X11ScreenCapture::shareableContent(DesktopWindows desktopWindows, WindowsListed windowsListed) {
     if (auto opened = m_connection.reopen(); !opened)
         co_return std::unexpected(std::move(opened.error()));
-    // The displays are known by events: all that the server has told by now is heard first.
-    const Completion<bool> heard(m_connection.loop());
-    m_connection.onReply(xcb_get_input_focus(m_connection.get()),
-                         [heard](const Reply<void>& reply) { heard.complete(reply != nullptr); });
-    const bool isHeard = co_await heard;
-    if (!isHeard)
-        co_return std::unexpected(serverSilent());
     const auto clients = readClientList(m_connection);
     if (!clients)
         co_return std::unexpected(serverSilent());

@@ -117,18 +117,6 @@ Task<void> CaptureDesktop::stopStream() {
     m_outcome = co_await stream->stopCapture();
 }
 
-ShareableContent CaptureDesktop::content() {
-    ShareableContent listed;
-    run(list(listed));
-    return listed;
-}
-
-Task<void> CaptureDesktop::list(ShareableContent& listed) {
-    auto answer = co_await capture->shareableContent(DesktopWindows::included, WindowsListed::all);
-    EXPECT_TRUE(answer);
-    listed = answer.value_or(ShareableContent());
-}
-
 PixelImage CaptureDesktop::output() const {
     return readPixels(desktop.connection(), m_output->id());
 }

@@ -31,8 +31,6 @@ public:
     void retarget(ContentFilter filter);
     void reconfigure(StreamConfiguration configuration);
     void stop();
-    /// What the capture service offers.
-    [[nodiscard]] ShareableContent content();
     [[nodiscard]] std::expected<void, PlatformError> outcomeOfStarting(CaptureStream& other);
 
     /// The output window without a window manager, at this place of the root.
@@ -83,7 +81,6 @@ private:
     Task<void> retargetStream(ContentFilter filter);
     Task<void> reconfigureStream(StreamConfiguration configuration);
     Task<void> stopStream();
-    Task<void> list(ShareableContent& listed);
     void run(Task<void> task);
 
     struct Disconnect {

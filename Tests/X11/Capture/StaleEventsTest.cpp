@@ -53,14 +53,5 @@ TEST_F(StaleEvents, DoNotResizeAWindowThatIsCapturedAgain) {
     EXPECT_EQ(content->extent().height, 400);
 }
 
-// A start right after a display was plugged in finds it.
-TEST_F(StaleEvents, AreHeardBeforeTheDisplaysAreListed) {
-    EXPECT_EQ(test.content().displays.size(), 2U);
-    test.desktop.server().removeMonitor(twoMonitors().back().name);
-    EXPECT_EQ(test.content().displays.size(), 1U);
-    test.desktop.server().setMonitor(twoMonitors().back());
-    EXPECT_EQ(test.content().displays.size(), 2U);
-}
-
 } // namespace
 } // namespace kestrove::test
